@@ -1,0 +1,15 @@
+# Floating-point rules that every translation unit doing library arithmetic must follow, the
+# callers' included: the header templates are instantiated in their code too. Attached to an
+# interface target that the libraries pass on to whoever links them.
+add_library(quillon_exactness INTERFACE)
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
+  # No contraction into fused multiply-add, and SSE2 arithmetic on 32-bit x86 (no x87 excess
+  # precision); -ffast-math is never used.
+  target_compile_options(quillon_exactness INTERFACE -ffp-contract=off -fno-fast-math)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i.86|x86)$")
+    target_compile_options(quillon_exactness INTERFACE -msse2 -mfpmath=sse)
+  endif()
+elseif(MSVC)
+  target_compile_options(quillon_exactness INTERFACE /fp:precise /fp:contract-)
+endif()
+set_target_properties(quillon_exactness PROPERTIES EXPORT_NAME exactness)

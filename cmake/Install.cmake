@@ -1,0 +1,21 @@
+# cmake --install: headers under include/quillon, the libraries, a CMake config package
+# (find_package(Quillon) gives Quillon::quillon, which brings Quillon::guardscalars) and quillon.pc.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS guardscalars quillon quillon_exactness EXPORT QuillonTargets
+  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(QUILLON_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
+install(EXPORT QuillonTargets NAMESPACE Quillon:: DESTINATION ${QUILLON_CMAKE_DIR})
+configure_package_config_file(cmake/QuillonConfig.cmake.in ${PROJECT_BINARY_DIR}/QuillonConfig.cmake
+  INSTALL_DESTINATION ${QUILLON_CMAKE_DIR})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake
+  DESTINATION ${QUILLON_CMAKE_DIR})
+
+configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/quillon.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/quillon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
