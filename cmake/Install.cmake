@@ -17,5 +17,7 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmak
 install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake
   DESTINATION ${QUILLON_CMAKE_DIR})
 
+# The .pc file finds its prefix from its own place, so the installed tree can be moved.
+file(RELATIVE_PATH QUILLON_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
 configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/quillon.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quillon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,21 @@
+// Uses the installed library: turns a point a quarter turn about z, moves it, and checks the
+// result against what the arithmetic must give. Exit status 0 when all holds.
+#include <quillon/Transform>
+
+#include <cmath>
+#include <cstdio>
+
+int main()
+{
+    Transform<double> t;
+    t.Function_2424(std::acos(-1.0) / 2); // a quarter turn about z
+    t.Function_2428('y', 3.0);             // then up 3
+    const ThreeDVector<int> p = t * ThreeDVector<int>(2, 0, 0);
+    const ThreeDVector<guardint> q = t * ThreeDVector<guardint>(2, 0, 0);
+    guarddouble limit = guarddouble(1.0) / guarddouble(0.0);
+    std::printf("(2, 0, 0) -> int (%d, %d, %d), guardint (%d, %d, %d); 1/0 = %a\n", p.GetX(), p.GetY(),
+                p.GetZ(), q.GetX().value(), q.GetY().value(), q.GetZ().value(), limit.value());
+    // cos(pi/2) * 2 is a tiny positive number: truncated to 0 for int, nearest 0 for guardint.
+    const bool ok = p.GetX() == 0 && p.GetY() == 5 && q.GetY().value() == 5 && limit.value() == 0x1p1022;
+    return ok ? 0 : 1;
+}

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs the build into a temporary prefix and builds a separate consumer against it, once with
+# CMake's find_package and once with pkg-config; both programs must run and pass their checks.
+# usage: check_install.sh BUILD_DIR SOURCE_DIR
+set -euo pipefail
+build=$1 source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
+test -f "$work/prefix/include/quillon/Transform"
+test -f "$work/prefix/lib/pkgconfig/quillon.pc"
+
+cmake -S "$source/examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
+cmake --build "$work/cmake" >/dev/null
+LD_LIBRARY_PATH="$work/prefix/lib" "$work/cmake/consumer"
+
+export PKG_CONFIG_PATH="$work/prefix/lib/pkgconfig"
+# shellcheck disable=SC2046
+c++ -std=c++17 "$source/examples/consumer/main.cpp" -o "$work/pc-consumer" $(pkg-config --cflags --libs quillon)
+LD_LIBRARY_PATH="$work/prefix/lib" "$work/pc-consumer"
