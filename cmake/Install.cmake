@@ -2,7 +2,7 @@
 # (find_package(Quillon) gives Quillon::quillon, which brings Quillon::guardscalars) and quillon.pc.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS guardscalars quillon quillon_exactness EXPORT QuillonTargets
+install(TARGETS guardscalars quillon_region quillon quillon_exactness EXPORT QuillonTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -19,5 +19,8 @@ install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/Qu
 
 # The .pc file finds its prefix from its own place, so the installed tree can be moved.
 file(RELATIVE_PATH QUILLON_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  set(QUILLON_PC_EXTRA_CFLAGS -fno-tree-slp-vectorize)
+endif()
 configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/quillon.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quillon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""Runs the conformance battery of several builds and compares their result bits.
+
+usage: compare.py NAME=LIBC:COMMAND [NAME=LIBC:COMMAND ...]
+  e.g. gcc=glibc:build/native/tests/quillon_conformance
+       mingw-x64=msvcrt:"wine64 build/mingw-x64/bin/quillon_conformance.exe"
+
+Every family must agree between all builds, except the families fed through sin and cos ("trig"):
+those must agree between builds that share a C library, and across C libraries the number of
+differing results is reported. Exit status 1 on any disagreement that is not allowed."""
+import os
+import shlex
+import subprocess
+import sys
+import tempfile
+
+builds = []
+for arg in sys.argv[1:]:
+    name, rest = arg.split('=', 1)
+    libc, command = rest.split(':', 1)
+    builds.append((name, libc, command))
+
+results = {}
+with tempfile.TemporaryDirectory() as tmp:
+    for name, libc, command in builds:
+        out = os.path.join(tmp, name)
+        os.mkdir(out)
+        argv = shlex.split(command)
+        dump = out
+        if argv[0].endswith(('wine', 'wine64')):
+            dump = 'Z:' + out.replace('/', '\\')
+        env = dict(os.environ, WINEDEBUG='-all')
+        proc = subprocess.run(argv + ['--dump', dump], capture_output=True, text=True, env=env)
+        if proc.returncode != 0:
+            print(f'{name}: the battery failed to run: {proc.stderr.strip()[:500]}')
+            sys.exit(1)
+        families = {}
+        for entry in sorted(os.listdir(out)):
+            with open(os.path.join(out, entry)) as f:
+                families[entry[:-4]] = f.read().split()
+        results[name] = (libc, families, proc.stdout)
+
+reference, (ref_libc, ref_families, ref_digests) = next(iter(results.items()))
+print(f'conformance digests of {reference}:')
+print(ref_digests.rstrip())
+failed = False
+for name, (libc, families, _) in list(results.items())[1:]:
+    for family, hashes in ref_families.items():
+        other = families.get(family)
+        if other is None or len(other) != len(hashes):
+            print(f'{name}: family {family} missing or of another size')
+            failed = True
+            continue
+        differing = sum(1 for a, b in zip(hashes, other) if a != b)
+        trig = 'trig' in family
+        if differing == 0:
+            continue
+        if trig and libc != ref_libc:
+            print(f'{name} ({libc}) vs {reference} ({ref_libc}): {family}: {differing} of {len(hashes)} '
+                  f'results differ, from the C libraries\' sin and cos')
+        else:
+            print(f'{name} vs {reference}: {family}: {differing} of {len(hashes)} results DIFFER')
+            failed = True
+    if not failed:
+        print(f'{name} ({libc}): every other family agrees bit for bit with {reference}')
+sys.exit(1 if failed else 0)
