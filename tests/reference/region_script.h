@@ -218,12 +218,12 @@ private:
         RGNDATA* data = reinterpret_cast<RGNDATA*>(store.data());
         DWORD got = GetRegionData(h, need, data);
         const RGNDATAHEADER& rdh = data->rdh;
-        std::string head = "got " + std::to_string(got) + " hdr " + std::to_string(rdh.dwSize) +
-                           " " + std::to_string(rdh.iType) + " " + std::to_string(rdh.nCount) +
-                           " " + std::to_string(rdh.nRgnSize) + " " + rectText(rdh.rcBound);
         std::vector<std::uint64_t> small(need / 8 + 2, 0);
         DWORD smallGot = GetRegionData(h, need - 1, reinterpret_cast<RGNDATA*>(small.data()));
-        print(head + " small " + std::to_string(smallGot));
+        std::ostringstream head;
+        head << "got " << got << " hdr " << rdh.dwSize << " " << rdh.iType << " " << rdh.nCount
+             << " " << rdh.nRgnSize << " " << rectText(rdh.rcBound) << " small " << smallGot;
+        print(head.str());
         std::string rects = "rects";
         const RECT* rc = reinterpret_cast<const RECT*>(reinterpret_cast<const char*>(data) + rdh.dwSize);
         std::size_t fit = (need - sizeof(RGNDATAHEADER)) / sizeof(RECT);
