@@ -1,0 +1,71 @@
+// Region mapping: the image of a region under a transform, as the union of the images of its
+// rectangles. Each rectangle's four corners (z = 0) go through the vector mapping for
+// ThreeDVector<double>, are truncated toward zero to pixel coordinates and become one four-sided
+// polygon, filled with the winding rule; the pieces are joined by union. No bounding box is
+// taken, so a turned region is a union of turned quadrilaterals.
+//
+// The caller's region is only read. The result is a new region the caller owns (null when the
+// region is null, unreadable or empty, or when no piece could be made); everything made on the
+// way is released here.
+#include <quillon/Region>
+#include <quillon/Transform>
+
+#include <cstddef>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+// The platform's data must describe its rectangles inside the buffer it filled; anything else
+// is treated as a failed read rather than followed out of the buffer.
+bool rectanglesFit(const RGNDATA* data, DWORD size) noexcept
+{
+    if (size < sizeof(RGNDATAHEADER)) return false;
+    const unsigned long long end = 1ull * data->rdh.dwSize + 1ull * data->rdh.nCount * sizeof(RECT);
+    return data->rdh.dwSize >= sizeof(RGNDATAHEADER) && end <= size;
+}
+
+} // namespace
+
+template <class T>
+HRGN Transform<T>::operator*(HRGN const region) const noexcept
+{
+    if (!region) return nullptr;
+    HRGN result = nullptr;
+    const DWORD size = GetRegionData(region, 0, nullptr);
+    auto* data = static_cast<RGNDATA*>(std::malloc(size ? size : 1));
+    if (!data) return nullptr;
+    if (GetRegionData(region, size, data) != 0 && rectanglesFit(data, size) &&
+        data->rdh.iType == RDH_RECTANGLES) {
+        const auto* rects = reinterpret_cast<const RECT*>(reinterpret_cast<const char*>(data) + data->rdh.dwSize);
+        for (DWORD i = 0; i < data->rdh.nCount; ++i) {
+            RECT r = rects[i];
+            if (r.left > r.right) std::swap(r.left, r.right); // the rectangle, normalised
+            if (r.top > r.bottom) std::swap(r.top, r.bottom);
+            const ThreeDVector<double> topLeft = *this * ThreeDVector<double>(r.left, r.top, 0.0);
+            const ThreeDVector<double> topRight = *this * ThreeDVector<double>(r.right, r.top, 0.0);
+            const ThreeDVector<double> bottomLeft = *this * ThreeDVector<double>(r.left, r.bottom, 0.0);
+            const ThreeDVector<double> bottomRight = *this * ThreeDVector<double>(r.right, r.bottom, 0.0);
+            // Around the rectangle: top left, top right, bottom right, bottom left.
+            const POINT corners[4] = {
+                {quillon::truncate(topLeft.GetX()), quillon::truncate(topLeft.GetY())},
+                {quillon::truncate(topRight.GetX()), quillon::truncate(topRight.GetY())},
+                {quillon::truncate(bottomRight.GetX()), quillon::truncate(bottomRight.GetY())},
+                {quillon::truncate(bottomLeft.GetX()), quillon::truncate(bottomLeft.GetY())},
+            };
+            HRGN piece = CreatePolygonRgn(corners, 4, WINDING);
+            if (!piece) continue; // this rectangle is left out
+            if (!result)
+                result = CreatePolygonRgn(corners, 4, WINDING);
+            else
+                CombineRgn(result, result, piece, RGN_OR);
+            DeleteObject(piece);
+        }
+    }
+    std::free(data);
+    return result;
+}
+
+template HRGN Transform<float>::operator*(HRGN const) const noexcept;
+template HRGN Transform<double>::operator*(HRGN const) const noexcept;
+template HRGN Transform<guarddouble>::operator*(HRGN const) const noexcept;
