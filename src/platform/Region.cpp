@@ -270,12 +270,14 @@ struct Span {
     bool operator==(const Span& o) const noexcept { return x1 == o.x1 && x2 == o.x2; }
 };
 
+// Collects the rows' spans as rectangles, joining a row to the band above when its spans are the
+// same.
 class BandWriter {
 public:
     bool add(std::int64_t top, std::int64_t bottom, const std::vector<Span>& spans)
     {
         if (spans.empty()) return true;
-        if (!rows_.empty() && lastBottom_ == top && spans == lastSpans_) {
+        if (!boxes_.empty() && lastBottom_ == top && spans == lastSpans_) {
             for (std::size_t i = boxes_.size() - spans.size(); i < boxes_.size(); ++i)
                 boxes_[i].y2 = wrap(bottom);
             lastBottom_ = bottom;
@@ -287,8 +289,7 @@ public:
             bound_.x1 = boxes_.size() == 1 ? s.x1 : std::min(bound_.x1, s.x1);
             bound_.x2 = boxes_.size() == 1 ? s.x2 : std::max(bound_.x2, s.x2);
         }
-        if (rows_.empty()) bound_.y1 = wrap(top);
-        rows_.push_back(top);
+        if (boxes_.size() == spans.size()) bound_.y1 = wrap(top);
         lastSpans_ = spans;
         lastBottom_ = bottom;
         return true;
@@ -301,7 +302,6 @@ public:
 
 private:
     std::vector<Box> boxes_;
-    std::vector<std::int64_t> rows_;
     std::vector<Span> lastSpans_;
     std::int64_t lastBottom_ = 0;
     Box bound_{0, 0, 0, 0};
