@@ -1,0 +1,147 @@
+// Transform<A> * ThreeDVector<B>: the 18 pairs of element types, each with its own entry and
+// exit conversions.
+#include "transform_checks.h"
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+enum Ty { I, F, D, GI, GF, GD }; // int, float, double, guardint, guardfloat, guarddouble
+using Triple = std::array<double, 3>;
+
+struct Case {
+    Ty a, b;
+    Elements16 m;
+    Triple v, want;
+};
+
+// The result is compared in its own element type B (see same() for why).
+template <class A, class B>
+void checkPair(const Case& c)
+{
+    const ThreeDVector<B> in(make<B>(c.v[0]), make<B>(c.v[1]), make<B>(c.v[2]));
+    const ThreeDVector<B> out = matrix<A>(c.m) * in;
+    const B got[3] = {out.GetX(), out.GetY(), out.GetZ()};
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(same(got[i], make<B>(c.want[i])))
+            << "A " << c.a << " B " << c.b << " component " << i << " of (" << c.v[0] << ", " << c.v[1]
+            << ", " << c.v[2] << "): " << std::hexfloat << val(got[i]) << ", not " << c.want[i];
+}
+
+template <class A>
+void checkFrom(const Case& c)
+{
+    switch (c.b) {
+    case I: return checkPair<A, int>(c);
+    case F: return checkPair<A, float>(c);
+    case D: return checkPair<A, double>(c);
+    case GI: return checkPair<A, guardint>(c);
+    case GF: return checkPair<A, guardfloat>(c);
+    case GD: return checkPair<A, guarddouble>(c);
+    }
+}
+
+void check(const Case& c)
+{
+    c.a == F ? checkFrom<float>(c) : c.a == D ? checkFrom<double>(c) : checkFrom<guarddouble>(c);
+}
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// Rows 0 to 2 give components 0 to 2, the translation comes last, row 3 (NaN here) is never read.
+// The sums are (13, 1, 5.75): the exits differ only in what they make of 5.75.
+TEST(TransformMapping, EveryPairMapsAPointByRowsZeroToTwo)
+{
+    const Elements16 m = {2, -1, 3, 4, 0, 5, -2, -3, 1, 1, 1, -0.25, kNaN, kNaN, kNaN, kNaN};
+    const Triple v = {1, 2, 3}, cut = {13, 1, 5}, near = {13, 1, 6}, exact = {13, 1, 5.75};
+    const Case cases[] = {
+        {F, I, m, v, cut},   {D, I, m, v, cut},   {GD, I, m, v, near},
+        {F, F, m, v, exact}, {D, F, m, v, exact}, {GD, F, m, v, near},
+        {F, D, m, v, exact}, {D, D, m, v, exact}, {GD, D, m, v, near},
+        {F, GI, m, v, near}, {D, GI, m, v, near}, {GD, GI, m, v, near},
+        {F, GF, m, v, exact}, {D, GF, m, v, exact}, {GD, GF, m, v, near},
+        {F, GD, m, v, exact}, {D, GD, m, v, exact}, {GD, GD, m, v, exact},
+        // The zero vector is a point: it lands on the translation.
+        {D, I, m, {0, 0, 0}, {4, -3, 0}}, {F, D, m, {0, 0, 0}, {4, -3, -0.25}}, {GD, GD, m, {0, 0, 0}, {4, -3, -0.25}},
+    };
+    for (const Case& c : cases) check(c);
+}
+
+// Translation (0.75, -0.75, 0.25) and components with fractions where B can hold them: which
+// fractions survive the entry, and how each exit rounds.
+TEST(TransformMapping, EntryAndExitConversionsOfEachPair)
+{
+    Elements16 m = kIdentity;
+    m[3] = 0.75, m[7] = -0.75, m[11] = 0.25;
+    const Triple whole = {1, -1, 2}, fine = {1.5, -1.5, 0.125}, quarter = {1.25, -1.75, 0.75};
+    const Case cases[] = {
+        // int: truncated for A = float or double, nint for A = guarddouble.
+        {F, I, m, whole, {1, -1, 2}}, {D, I, m, whole, {1, -1, 2}}, {GD, I, m, whole, {2, -2, 2}},
+        // float and double: fractions in and out, except that A = guarddouble gives a whole number.
+        {F, F, m, fine, {2.25, -2.25, 0.375}}, {D, F, m, fine, {2.25, -2.25, 0.375}}, {GD, F, m, fine, {2, -2, 0}},
+        {F, D, m, fine, {2.25, -2.25, 0.375}}, {D, D, m, fine, {2.25, -2.25, 0.375}}, {GD, D, m, fine, {2, -2, 0}},
+        // guardint: nearest, not truncated.
+        {F, GI, m, whole, {2, -2, 2}}, {D, GI, m, whole, {2, -2, 2}}, {GD, GI, m, whole, {2, -2, 2}},
+        // guardfloat enters through nint as (1, -2, 1) for every A.
+        {F, GF, m, quarter, {1.75, -2.75, 1.25}}, {D, GF, m, quarter, {1.75, -2.75, 1.25}}, {GD, GF, m, quarter, {2, -3, 1}},
+        // guarddouble keeps its fractions only under A = guarddouble.
+        {F, GD, m, quarter, {1.75, -2.75, 1.25}}, {D, GD, m, quarter, {1.75, -2.75, 1.25}}, {GD, GD, m, quarter, {2, -2.5, 1}},
+        // With the identity: (0.25, 0.75, -0.75) loses its fractions on entry unless A = guarddouble.
+        {F, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
+        {D, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
+        {GD, GD, kIdentity, {0.25, 0.75, -0.75}, {0.25, 0.75, -0.75}},
+        {GD, GF, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
+    };
+    for (const Case& c : cases) check(c);
+}
+
+TEST(TransformMapping, RoundingAtTheEdgesOfPrecision)
+{
+    const double p24 = 0x1p24;
+    const Case cases[] = {
+        // Ties of guardint go toward zero: 1.5 gives 1, -1.5 gives -1.
+        {D, GI, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
+        {D, GI, identityWith(3, -0.5), {-1, 0, 0}, {-1, 0, 0}},
+        {F, GI, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
+        {D, I, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
+        // 2^24 + 1: the int exit truncates the double sum, guardint takes it rounded to float.
+        {F, I, identityWith(3, 1), {p24, 0, 0}, {p24 + 1, 0, 0}},
+        {F, GI, identityWith(3, 1), {p24, 0, 0}, {p24, 0, 0}},
+        // An int or guardint component above 2^24 is rounded to float on entry under A = float.
+        {F, I, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}},
+        {F, GI, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}},
+        {D, I, kIdentity, {p24 + 1, 0, 0}, {p24 + 1, 0, 0}},
+        // The float transform sums in double: 1 + 2^-30 reaches a double or guarddouble result.
+        {F, D, identityWith(3, 0x1p-30), {1, 0, 0}, {1 + 0x1p-30, 0, 0}},
+        {F, GD, identityWith(3, 0x1p-30), {1, 0, 0}, {1 + 0x1p-30, 0, 0}},
+        {F, F, identityWith(3, 0x1p-30), {1, 0, 0}, {1, 0, 0}},
+        {F, GF, identityWith(3, 0x1p-30), {1, 0, 0}, {1, 0, 0}},
+        // Products first, translation last: 2^53 + 1 rounds to 2^53 before -2^53 is added.
+        {D, D, {1, 1, 0, -0x1p53, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {0x1p53, 1, 0}, {0, 1, 0}},
+        {F, D, {1, 1, 0, -0x1p24, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {p24, 1, 0}, {1, 1, 0}},
+        {GD, GD, {1, 1, 0, -0x1p53, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {0x1p53, 1, 0}, {0, 1, 0}},
+        // 0.1 enters a float transform rounded to float.
+        {F, D, kIdentity, {0.1, 0, 0}, {double(0.1f), 0, 0}},
+        {D, D, kIdentity, {0.1, 0, 0}, {0.1, 0, 0}},
+    };
+    for (const Case& c : cases) check(c);
+}
+
+TEST(TransformMapping, LimitsApplyOnlyWhereAGuardTypeIsInvolved)
+{
+    const double inf = std::numeric_limits<double>::infinity();
+    const Case cases[] = {
+        {D, GF, identityWith(0, 1.0e39), {1, 0, 0}, {kLf, 0, 0}},
+        {D, F, identityWith(0, 1.0e39), {1, 0, 0}, {inf, 0, 0}},
+        {D, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}},
+        {D, GI, identityWith(0, 3.0e9), {-1, 0, 0}, {-kLi, 0, 0}},
+        {F, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}},
+        {D, GD, identityWith(0, 1.0e308), {1, 1, 0}, {kL, 1, 0}},
+        // Under A = guarddouble the sum is the guard sum: 1 + 2^1022 keeps the 1.
+        {GD, GD, identityWith(1, kL), {1, 1, 0}, {1, 1, 0}},
+    };
+    for (const Case& c : cases) check(c);
+}
+
+} // namespace
