@@ -9,6 +9,7 @@
 //
 // NaN payloads are not part of the contract (which NaN an operation returns depends on operand
 // order the compiler may choose), so every NaN is hashed as one canonical NaN.
+#include <quillon/Region>
 #include <quillon/Transform>
 
 #include <cmath>
@@ -239,6 +240,51 @@ void transformRules(Random& r)
     }
 }
 
+// Regions: a few hundred regions of several rectangles, each mapped by a transform made of
+// moves, scales and shears (the exact family) or with a turn added (through sin and cos).
+std::uint64_t hashOfRegion(HRGN region)
+{
+    if (!region) return 0;
+    const DWORD size = GetRegionData(region, 0, nullptr);
+    std::vector<char> buffer(size);
+    auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
+    std::uint64_t h = 1;
+    if (size >= sizeof(RGNDATAHEADER) && GetRegionData(region, size, data) != 0) {
+        const char* rects = buffer.data() + data->rdh.dwSize;
+        h = fnv(rects, data->rdh.nCount * sizeof(RECT));
+    }
+    DeleteObject(region);
+    return h;
+}
+
+template <class T>
+void regionRules(Random& r)
+{
+    Family& exact = families["region-mapping"];
+    Family& trig = families["region-mapping-trig"];
+    for (int i = 0; i < kCases / 20; ++i) {
+        HRGN region = CreateRectRgn(0, 0, 0, 0);
+        const int pieces = 1 + r.below(4);
+        for (int k = 0; k < pieces; ++k) {
+            const int left = r.below(400) - 200, top = r.below(400) - 200;
+            const int width = r.below(120), height = r.below(120);
+            HRGN piece = CreateRectRgn(left, top, left + width, top + height);
+            CombineRgn(region, region, piece, RGN_OR);
+            DeleteObject(piece);
+        }
+        T e[16];
+        for (int k = 0; k < 16; ++k) {
+            const int n = r.below(41) - 20;
+            e[k] = T(k % 5 == 0 ? 1.0 + n / 16.0 : n / 8.0); // near the identity, fractions in every element
+        }
+        Transform<T> t(e);
+        exact.results.push_back(hashOfRegion(t * region));
+        t.Function_2424(r.angle());
+        trig.results.push_back(hashOfRegion(t * region));
+        DeleteObject(region);
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -255,6 +301,7 @@ int main(int argc, char** argv)
     vectorRules<guardint>(r); vectorRules<guardfloat>(r); vectorRules<guarddouble>(r);
     // The trig draws come last in each transform pass, so the draws stay aligned between builds.
     transformRules<float>(r); transformRules<double>(r); transformRules<guarddouble>(r);
+    regionRules<float>(r); regionRules<double>(r); regionRules<guarddouble>(r);
 
     std::uint64_t all = 0xCBF29CE484222325u, exact = all;
     for (const auto& [name, family] : families) {
