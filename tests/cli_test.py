@@ -9,9 +9,11 @@ import math
 import os
 import re
 import subprocess
+import struct
 import sys
 import tempfile
 import unittest
+import xml.etree.ElementTree as ET
 
 TOOL = None
 MEMBERS = None
@@ -152,6 +154,114 @@ class InfoTest(Case):
         self.assertIn(f"{len(expected)} exported names", text)
 
 
+SVG = "{http://www.w3.org/2000/svg}"
+SQUARE_45 = ["--turn", "z:45deg", "0,0,10,10"]
+
+
+def svg_groups(root):
+    """The picture's panels: for each, the mapped region's rectangles, the quadrilaterals and the
+    outline segments, in the region's own coordinates."""
+    panels = []
+    for g in root.findall(SVG + "g"):
+        parts = {e.get("class"): e for e in g}
+        rects = [[int(float(r.get(k))) for k in ("x", "y", "width", "height")] for r in parts["mapped-region"]]
+        quads = [[[int(v) for v in p.split(",")] for p in q.get("points").split()] for q in parts["mapped-quadrilaterals"]]
+        outline = {tuple(int(v) for v in m) for m in re.findall(r"M(-?\d+) (-?\d+)L(-?\d+) (-?\d+)", parts["region-outline"].get("d"))}
+        panels.append(([[x, y, x + w, y + h] for x, y, w, h in rects], quads, outline))
+    return panels
+
+
+class RegionTest(Case):
+    def test_rectangles_by_type(self):
+        self.assertEqual(self.lines("region", "--move", "x:5", "10,20,30,40"), ["15,20,35,40"])
+        # x times 1.45: 2.9 and -2.9 truncate to 2 and -2 through float and double, and go to the
+        # nearest, 3 and -3, through guarddouble; 4.35 and -4.35 give 4 and -4 either way. The
+        # second rectangle is given with left and right swapped.
+        rects = ["2,0,3,1", "-2,4,-3,5"]
+        for t in ["float", "double"]:
+            self.assertEqual(self.lines("region", "--type", t, "--scale", "x:1.45", *rects), ["2,0,4,1", "-4,4,-2,5"])
+        self.assertEqual(self.lines("region", "--type", "guarddouble", "--scale", "x:1.45", *rects), ["3,0,4,1", "-4,4,-3,5"])
+        # Overlapping images are one region; an empty rectangle maps to nothing.
+        self.assertEqual(self.lines("region", "--move", "y:1", "0,0,4,2", "2,0,6,2"), ["0,1,6,3"])
+        self.assertEqual(self.lines("region", "0,0,0,5"), [])
+
+    def test_turned_square_is_a_diamond(self):
+        doc = json.loads(self.ok("region", "--json", *SQUARE_45))
+        self.assertEqual(doc["region"], [[0, 0, 10, 10]])
+        # 10 * cos 45 = 7.07..., 10 * (cos 45 + sin 45) = 14.14...: truncated corners.
+        self.assertEqual(doc["quadrilaterals"], [[[0, 0], [7, 7], [0, 14], [-7, 7]]])
+        rows = doc["result"]
+        self.assertEqual([r[1] for r in rows], list(range(rows[0][1], rows[0][1] + len(rows))))  # one per row
+        self.assertTrue(all(r[0] == -r[2] and r[3] == r[1] + 1 for r in rows))  # symmetric about x = 0
+        widths = [r[2] - r[0] for r in rows]
+        widest = widths.index(max(widths))
+        self.assertTrue(widths[0] < max(widths) > widths[-1])  # not the bounding box
+        self.assertEqual(widths[:widest + 1], sorted(widths[:widest + 1]))
+
+    def test_rectangles_from_a_file_or_standard_input(self):
+        expected = self.lines("region", "--move", "x:1", "0,0,2,2", "4,4,6,6")
+        self.assertEqual(expected, ["1,0,3,2", "5,4,7,6"])
+        self.assertEqual(self.lines("region", "--move", "x:1", stdin="# two\n0,0,2,2\n\n4,4,6,6\n"), expected)
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "rects.txt")
+            with open(path, "w") as f:
+                f.write("0,0,2,2\n 4 , 4 , 6 , 6 \n")
+            self.assertEqual(self.lines("region", "--move", "x:1", "--file", path), expected)
+
+    def test_svg(self):
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "turned.svg")
+            doc = json.loads(self.ok("region", "--json", "--svg", path, *SQUARE_45))
+            root = ET.parse(path).getroot()
+            self.assertEqual(root.tag, SVG + "svg")
+            self.assertEqual(len(root.get("viewBox").split()), 4)
+            [(rects, quads, outline)] = svg_groups(root)
+            self.assertEqual((rects, quads), (doc["result"], doc["quadrilaterals"]))
+            self.assertEqual(outline, {(0, 0, 10, 0), (0, 10, 10, 10), (0, 0, 0, 10), (10, 0, 10, 10)})
+            # The outline of an L of two rectangles: where the bands meet, only the step is drawn.
+            self.ok("region", "--svg", path, "0,0,4,1", "0,1,1,4")
+            [(_, _, outline)] = svg_groups(ET.parse(path).getroot())
+            self.assertEqual(outline, {(0, 0, 4, 0), (1, 1, 4, 1), (0, 4, 1, 4), (0, 0, 0, 1), (4, 0, 4, 1),
+                                       (0, 1, 0, 4), (1, 1, 1, 4)})
+            self.assertEqual(sorted(os.listdir(d)), ["turned.svg"])  # no temporary file left
+
+
+class DemoTest(Case):
+    def test_bare_quillon_runs_the_demo(self):
+        with tempfile.TemporaryDirectory() as d:
+            p = subprocess.run([TOOL], cwd=d, capture_output=True, text=True, timeout=60)
+            self.assertEqual((p.returncode, p.stderr), (0, ""))
+            out = p.stdout.splitlines()
+            self.assertEqual(out[:2], ["region of 3 rectangles (left,top,right,bottom)", "  10,10,50,20  10,20,20,50  30,30,45,45"])
+            self.assertEqual([l for l in out if l.startswith("==")],
+                             ["== Transform<float>", "== Transform<double>", "== Transform<guarddouble>"])
+            self.assertEqual(out[-1], "picture: quillon-demo.svg")
+            root = ET.parse(os.path.join(d, "quillon-demo.svg")).getroot()
+            self.assertEqual([t.text for t in root.findall(SVG + "text")][:3],
+                             ["Transform<float>", "Transform<double>", "Transform<guarddouble>"])
+
+    def test_json_steps_and_pictures(self):
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "demo.svg")
+            doc = json.loads(self.ok("demo", "--json", "--svg", path))
+            panels = svg_groups(ET.parse(path).getroot())
+        self.assertEqual(doc["region"], [[10, 10, 50, 20], [10, 20, 20, 50], [30, 30, 45, 45]])
+        c, s = math.cos(0.5235987755982988), math.sin(0.5235987755982988)
+        as_float = lambda v: struct.unpack("f", struct.pack("f", v))[0]
+        identity = [[1, 0, 0, 0], [0, 1, 0, 0], [0, 0, 1, 0], [0, 0, 0, 1]]
+        for entry, panel, rounded in zip(doc["types"], panels, [as_float, float, float]):
+            steps = [step["matrix"] for step in entry["steps"]]
+            turned = [[rounded(c), rounded(-s), 0, 0], [rounded(s), rounded(c), 0, 0], [0, 0, 1, 0], [0, 0, 0, 1]]
+            moved = [turned[0][:3] + [40]] + turned[1:]
+            self.assertEqual(steps, [identity, turned, moved], entry["type"])
+            self.assertEqual((panel[0], panel[1]), (entry["result"], entry["quadrilaterals"]))
+            # The region command with the same steps gives the same region.
+            region = json.loads(self.ok("region", "--json", "--type", entry["type"], "--turn", "z:0.5235987755982988",
+                                        "--move", "x:40", "10,10,50,20", "10,20,20,50", "30,30,45,45"))
+            self.assertEqual(region["result"], entry["result"])
+        self.assertEqual([e["type"] for e in doc["types"]], ["float", "double", "guarddouble"])
+
+
 class BadInputTest(Case):
     CASES = [
         (["map", "--type", "long", "1,2,3"], "", "unknown element type 'long' for --type"),
@@ -174,6 +284,14 @@ class BadInputTest(Case):
         (["matrix", "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17"], "", "got 17"),
         (["matrix"] + ["1"] * 15 + ["x"], "", "malformed number 'x'"),
         (["map", "--move", "x:1"], "0,0,0\n1,2,x\n", "standard input, line 2: malformed number 'x'"),
+        (["region", "1,2,3"], "", "rectangle '1,2,3': expected four integers L,T,R,B, got 3"),
+        (["region", "0,0,1.5,2"], "", "malformed integer '1.5'"),
+        (["region", "--move", "v:1", "0,0,1,1"], "", "unknown axis 'v'"),
+        (["region", "--type", "int", "0,0,1,1"], "", "unknown element type 'int'"),
+        (["region"], "\n# nothing\n", "no rectangles"),
+        (["region"], "0,0,1,1\n0,0,1\n", "standard input, line 2: expected four integers"),
+        (["region", "--file", "/nonexistent/rects.txt"], "", "cannot read /nonexistent/rects.txt"),
+        (["region", "--file", "/"], "", "cannot read /"),
         (["map", "--bogus"], "", "--bogus"),
         (["nonsense"], "", "nonsense"),
     ]
@@ -181,15 +299,27 @@ class BadInputTest(Case):
     def test_each_gives_one_line_and_status_2(self):
         for args, stdin, message in self.CASES:
             with self.subTest(args=args):
-                code, out, err = run(*args, stdin=stdin)
-                self.assertEqual(code, 2)
-                self.assertEqual(out, "")  # nothing of the good lines before a bad one
-                self.assertEqual(len(err.splitlines()), 1, err)
-                self.assertTrue(err.startswith("quillon: "), err)
-                self.assertIn(message, err)
+                self.assertFails(args, stdin, message)
+
+    def assertFails(self, args, stdin, message):
+        code, out, err = run(*args, stdin=stdin)
+        self.assertEqual(code, 2)
+        self.assertEqual(out, "")  # nothing of the good lines before a bad one
+        self.assertEqual(len(err.splitlines()), 1, err)
+        self.assertTrue(err.startswith("quillon: "), err)
+        self.assertIn(message, err)
+
+    def test_no_picture_is_written_on_bad_input(self):
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "out.svg")
+            self.assertFails(["region", "--svg", path, "0,0,2,2", "1,x,2,2"], "", "malformed integer 'x'")
+            self.assertFails(["region", "--svg", path, "--move", "x:y", "0,0,2,2"], "", "malformed number 'y'")
+            self.assertFails(["region", "--svg", os.path.join(d, "missing", "out.svg"), "0,0,2,2"], "", "cannot write")
+            self.assertFails(["demo", "--svg", os.path.join(d, "missing", "demo.svg")], "", "cannot write")
+            self.assertEqual(os.listdir(d), [])
 
     def test_help(self):
-        for command in ["map", "matrix", "info"]:
+        for command in ["map", "matrix", "info", "region", "demo"]:
             self.assertIn(f"Usage: quillon {command}", self.ok(command, "--help"))
 
 

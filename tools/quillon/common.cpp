@@ -125,7 +125,9 @@ std::string format(int v, bool) { return std::to_string(v); }
 std::string format(float v, bool exact) { return formatReal(v, exact); }
 std::string format(double v, bool exact) { return formatReal(v, exact); }
 std::string json(int v, bool) { return std::to_string(v); }
-std::string json(float v, bool exact) { return jsonReal(v, exact); }
+// A float as the double of the same value, so that a JSON reader, which reads doubles, gets the
+// stored value exactly ("0.8660253882408142", where the text output shows "0.8660254").
+std::string json(float v, bool exact) { return jsonReal(static_cast<double>(v), exact); }
 std::string json(double v, bool exact) { return jsonReal(v, exact); }
 
 std::string jsonString(std::string_view s)

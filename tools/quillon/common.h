@@ -192,6 +192,8 @@ std::string jsonMatrix(const Transform<T>& t, bool exact)
 void addMapCommand(CLI::App& app);
 void addMatrixCommand(CLI::App& app);
 void addInfoCommand(CLI::App& app);
+void addRegionCommand(CLI::App& app);
+void addDemoCommand(CLI::App& app);
 
 } // namespace tool
 

@@ -27,6 +27,7 @@ void addInfoCommand(CLI::App& app)
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -128,7 +129,7 @@ std::string loadedModule()
     Dl_info where{};
     void* member = dlsym(RTLD_DEFAULT, "_ZN9TransformIdE13Function_2430Ev"); // Transform<double>::Function_2430()
     if (!member || !dladdr(member, &where) || !where.dli_fname) throw Failure("cannot find the loaded quillon module");
-    return where.dli_fname;
+    return std::filesystem::path(where.dli_fname).lexically_normal().string();
 }
 
 ModuleInfo readModule()

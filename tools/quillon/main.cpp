@@ -10,12 +10,23 @@ int main(int argc, char** argv)
 {
     CLI::App app{"quillon: exact 4x4 transforms over float, double and guarddouble"};
     app.name("quillon");
-    app.require_subcommand(0, 1);
+    app.require_subcommand(1);
+    app.footer("A bare quillon runs the demo. Each command has --help and --json; bad input gives one\n"
+               "line on standard error and exit status 2, and writes no file.");
     tool::addMapCommand(app);
     tool::addMatrixCommand(app);
+    tool::addRegionCommand(app);
     tool::addInfoCommand(app);
+    tool::addDemoCommand(app);
+    char demo[] = "demo";
+    char* bare[] = {argv[0], demo, nullptr};
     try {
-        app.parse(argc, argv);
+        if (argc > 1 && argv[1][0] != '-' && app.get_subcommands([&](CLI::App* c) { return c->check_name(argv[1]); }).empty())
+            throw tool::BadInput(std::string("unknown command '") + argv[1] + "' (expected map, matrix, region, info or demo)");
+        if (argc == 1)
+            app.parse(2, bare); // a bare quillon runs the demo
+        else
+            app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {
         return app.exit(e);
     } catch (const CLI::CallForAllHelp& e) {
@@ -30,6 +41,5 @@ int main(int argc, char** argv)
         std::cerr << "quillon: " << e.what() << "\n";
         return 1;
     }
-    if (app.get_subcommands().empty()) std::cout << app.help();
     return 0;
 }

@@ -1,0 +1,65 @@
+// Regions in the quillon tool: making one from rectangles, reading its rectangles back, what a
+// transform makes of it, and the SVG picture of that.
+#ifndef QUILLON_TOOL_REGION_H
+#define QUILLON_TOOL_REGION_H
+
+#include "common.h"
+
+#include <quillon/Region>
+
+#include <array>
+#include <memory>
+
+namespace tool {
+
+using Rect = std::array<int, 4>; // left, top, right, bottom: the pixels [left, right) x [top, bottom)
+using Quad = std::array<POINT, 4>;
+
+struct RegionDeleter {
+    void operator()(HRGN region) const { DeleteObject(region); }
+};
+using RegionHandle = std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDeleter>;
+
+// The union of the rectangles (an empty list gives the empty region).
+RegionHandle makeRegion(const std::vector<Rect>& rects);
+// The region's rectangles in the platform's banded order; none for a null handle.
+std::vector<Rect> rectanglesOf(HRGN region);
+// "L,T,R,B" as four integers.
+Rect parseRect(std::string_view text);
+
+// One region before and after a transform.
+struct RegionPicture {
+    std::string caption;
+    std::vector<Rect> before; // the input region's rectangles
+    std::vector<Quad> quads;  // each of them mapped: top left, top right, bottom right, bottom left
+    std::vector<Rect> after;  // the rectangles of the mapped region
+};
+
+template <class T>
+RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string caption)
+{
+    RegionPicture p{std::move(caption), {}, {}, {}};
+    const RegionHandle input = makeRegion(rects);
+    p.before = rectanglesOf(input.get());
+    // The quadrilaterals the mapping joins: each corner mapped as a ThreeDVector<double> with
+    // z = 0, truncated toward zero.
+    const auto corner = [&t](int x, int y) {
+        const ThreeDVector<double> v = t * ThreeDVector<double>(x, y, 0.0);
+        return POINT{quillon::truncate(v.GetX()), quillon::truncate(v.GetY())};
+    };
+    for (const Rect& r : p.before)
+        p.quads.push_back({corner(r[0], r[1]), corner(r[2], r[1]), corner(r[2], r[3]), corner(r[0], r[3])});
+    const RegionHandle output(t * input.get());
+    p.after = rectanglesOf(output.get());
+    return p;
+}
+
+std::string jsonRects(const std::vector<Rect>& rects);
+std::string jsonQuads(const std::vector<Quad>& quads);
+// Pictures side by side, each with its caption: the input region's outline dashed, the mapped
+// quadrilaterals in red, the pixels of the mapped region in blue.
+std::string svgDocument(const std::vector<RegionPicture>& pictures);
+
+} // namespace tool
+
+#endif
