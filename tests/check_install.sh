@@ -9,6 +9,12 @@ trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
 test -f "$work/prefix/include/quillon/Transform"
 test -f "$work/prefix/lib/pkgconfig/quillon.pc"
+for lib in quillon guardscalars quillon_region; do
+  soname=$(readelf -d "$work/prefix/lib/lib$lib.so.1" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')
+  [ "$soname" = "lib$lib.so.1" ] || { echo "lib$lib: soname '$soname'"; exit 1; }
+done
+# The installed tool reads the version record and the export list from the installed module.
+"$work/prefix/bin/quillon" info | grep -q "105 exported names"
 
 cmake -S "$source/examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
 cmake --build "$work/cmake" >/dev/null
