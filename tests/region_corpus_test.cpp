@@ -2,7 +2,7 @@
 // platform printed: the same return values, headers and rectangles in the same order.
 #include <quillon/Region>
 
-#include "reference/region_script.h"
+#include "region-reference/region_script.h"
 
 #include <gtest/gtest.h>
 

@@ -6,7 +6,7 @@
 # run: the tests read the committed corpus.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
-corpus=$here/../data/region_corpus.txt
+corpus=$here/../../tests/data/region_corpus.txt
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -16,9 +16,9 @@ wine=$(command -v wine64 || true)
 [ -n "$wine" ] || wine=/usr/lib/wine/wine64
 
 {
-  echo "# Region reference corpus: each command of tests/reference/region_script.h is followed by"
+  echo "# Region reference corpus: each command of tools/region-reference/region_script.h is followed by"
   echo "# what the platform's region functions returned (lines starting with '= ')."
-  echo "# Made by tests/reference/regenerate_region_corpus.sh; do not edit by hand."
+  echo "# Made by tools/region-reference/regenerate_region_corpus.sh; do not edit by hand."
   python3 "$here/make_region_cases.py" |
     WINEDEBUG=-all WINEPREFIX="$work/prefix" "$wine" "$work/region_reference.exe" | tr -d '\r'
 } > "$work/corpus.txt"
