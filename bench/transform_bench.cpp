@@ -31,6 +31,26 @@ Transform<T> sampleTransform()
     return t;
 }
 
+#ifdef QUILLON_BENCH_EIGEN
+Eigen::Matrix4d eigenMatrix()
+{
+    double e[16];
+    sampleTransform<double>().Function_2416(e);
+    return Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
+}
+#endif
+#ifdef QUILLON_BENCH_GLM
+glm::dmat4 glmMatrix()
+{
+    double e[16];
+    sampleTransform<double>().Function_2416(e);
+    glm::dmat4 t;
+    for (int r = 0; r < 4; ++r)
+        for (int c = 0; c < 4; ++c) t[c][r] = e[4 * r + c]; // glm is column-major
+    return t;
+}
+#endif
+
 std::vector<double> samplePoints()
 {
     std::vector<double> p(3 * kPoints);
@@ -81,10 +101,8 @@ BENCHMARK(MapPointsPlain);
 #ifdef QUILLON_BENCH_EIGEN
 void MapPointsEigen(benchmark::State& state)
 {
-    double e[16];
-    sampleTransform<double>().Function_2416(e);
     Eigen::Affine3d t;
-    t.matrix() = Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
+    t.matrix() = eigenMatrix();
     const std::vector<double> raw = samplePoints();
     std::vector<Eigen::Vector3d> in(kPoints), out(kPoints);
     for (int i = 0; i < kPoints; ++i) in[i] = {raw[3 * i], raw[3 * i + 1], raw[3 * i + 2]};
@@ -100,11 +118,7 @@ BENCHMARK(MapPointsEigen);
 #ifdef QUILLON_BENCH_GLM
 void MapPointsGlm(benchmark::State& state)
 {
-    double e[16];
-    sampleTransform<double>().Function_2416(e);
-    glm::dmat4 t;
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c) t[c][r] = e[4 * r + c]; // glm is column-major
+    const glm::dmat4 t = glmMatrix();
     const std::vector<double> raw = samplePoints();
     std::vector<glm::dvec4> in(kPoints), out(kPoints);
     for (int i = 0; i < kPoints; ++i) in[i] = {raw[3 * i], raw[3 * i + 1], raw[3 * i + 2], 1.0};
@@ -136,9 +150,7 @@ BENCHMARK(Compose<guarddouble>);
 #ifdef QUILLON_BENCH_EIGEN
 void ComposeEigen(benchmark::State& state)
 {
-    double e[16];
-    sampleTransform<double>().Function_2416(e);
-    const Eigen::Matrix4d a = Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
+    const Eigen::Matrix4d a = eigenMatrix();
     Eigen::Matrix4d b = a.transpose();
     for (auto _ : state) {
         b = (a * b).eval();
@@ -151,11 +163,7 @@ BENCHMARK(ComposeEigen);
 #ifdef QUILLON_BENCH_GLM
 void ComposeGlm(benchmark::State& state)
 {
-    double e[16];
-    sampleTransform<double>().Function_2416(e);
-    glm::dmat4 a;
-    for (int r = 0; r < 4; ++r)
-        for (int c = 0; c < 4; ++c) a[c][r] = e[4 * r + c];
+    const glm::dmat4 a = glmMatrix();
     glm::dmat4 b = glm::transpose(a);
     for (auto _ : state) {
         b = a * b;
@@ -180,9 +188,7 @@ BENCHMARK(Inverse<guarddouble>);
 #ifdef QUILLON_BENCH_EIGEN
 void InverseEigen(benchmark::State& state)
 {
-    double e[16];
-    sampleTransform<double>().Function_2416(e);
-    Eigen::Matrix4d a = Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
+    Eigen::Matrix4d a = eigenMatrix();
     for (auto _ : state) {
         a = a.inverse().eval();
         benchmark::DoNotOptimize(a.data());
