@@ -6,6 +6,10 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
   # No contraction into fused multiply-add, and SSE2 arithmetic on 32-bit x86 (no x87 excess
   # precision); -ffast-math is never used.
   target_compile_options(quillon_exactness INTERFACE -ffp-contract=off -fno-fast-math)
+  # sin and cos are called as such, from the platform's C library: the compiler must not merge a
+  # sin and a cos of one angle into a call of sincos, which is another routine (under mingw-w64 not
+  # even the C runtime's) and need not give the same last bits.
+  target_compile_options(quillon_exactness INTERFACE -fno-builtin-sin -fno-builtin-cos)
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12's basic-block (SLP) vectorizer was caught reusing a double where the code converts it
     # to float and back (so the float rounding vanished); the conformance battery shows it at -O3.
