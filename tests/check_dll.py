@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks a built Quillon.dll: its export table holds exactly the listed members of Transform<T>
 for float, double and guarddouble, by name, with ordinals 1..N and no gap; it imports only from
-the expected DLLs (the guard members from "Guard Scalars.dll", the region functions from GDI32.dll);
+the expected DLLs (the guard members from "Guard Scalars.dll", the region functions from GDI32.dll,
+sin and cos from the C runtime);
 its version resource is the library's record.
 
 usage: check_dll.py OBJDUMP DLL MEMBER_LIST"""
@@ -39,6 +40,8 @@ for name in imports:
         failures.append(f'unexpected import library {name}')
 if 'Guard Scalars.dll' not in imports:
     failures.append('Guard Scalars.dll is not imported')
+if not {'sin', 'cos'} <= set(imports.get('msvcrt.dll', [])):
+    failures.append('sin and cos are not imported from msvcrt.dll')
 gdi = set(imports.get('GDI32.dll', []))
 if gdi and gdi != {'GetRegionData', 'CreatePolygonRgn', 'CombineRgn', 'DeleteObject'}:
     failures.append(f'GDI32.dll imports {sorted(gdi)}')
