@@ -13,25 +13,20 @@
 #include <thread>
 #include <vector>
 
+bool operator==(const RECT& a, const RECT& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
 namespace {
 
 DWORD liveRegions() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
 
 std::vector<RECT> rectsOf(HRGN h)
 {
-    std::vector<std::uint64_t> store(64);
-    DWORD size = GetRegionData(h, 0, nullptr);
-    if (size == 0 || size > store.size() * 8) return {};
+    const DWORD size = GetRegionData(h, 0, nullptr);
+    std::vector<std::uint64_t> store(size / 8 + 1);
     auto* data = reinterpret_cast<RGNDATA*>(store.data());
-    if (GetRegionData(h, size, data) != size) return {};
-    std::vector<RECT> rects(data->rdh.nCount);
-    std::memcpy(rects.data(), data->Buffer, rects.size() * sizeof(RECT));
-    return rects;
-}
-
-bool same(const std::vector<RECT>& a, const std::vector<RECT>& b)
-{
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(RECT)) == 0;
+    if (size == 0 || GetRegionData(h, size, data) != size) return {};
+    const auto* first = reinterpret_cast<const RECT*>(data->Buffer);
+    return {first, first + data->rdh.nCount};
 }
 
 // Every function given a handle that names no region fails with its failure value, and the
@@ -61,7 +56,7 @@ void expectRejected(HRGN bad, const char* what)
     EXPECT_EQ(CombineRgn(good, good, bad, RGN_AND), ERROR);
     EXPECT_EQ(CombineRgn(good, bad, nullptr, RGN_COPY), ERROR);
     EXPECT_EQ(DeleteObject(bad), FALSE);
-    EXPECT_TRUE(same(rectsOf(good), {RECT{0, 0, 10, 10}}));
+    EXPECT_EQ(rectsOf(good), (std::vector<RECT>{RECT{0, 0, 10, 10}}));
     EXPECT_EQ(DeleteObject(good), TRUE);
 }
 
@@ -180,15 +175,14 @@ TEST(RegionHandles, ManyThreadsAtOnce)
 
     constexpr int kThreads = 4, kRounds = 10000;
     std::atomic<int> wrong{0}, staleAccepted{0};
-    std::vector<std::atomic<HRGN>> mailbox(kThreads);
-    for (auto& m : mailbox) m.store(nullptr);
+    std::vector<std::atomic<HRGN>> mailbox(kThreads); // all null
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
             for (int i = 0; i < kRounds; ++i) {
                 HRGN handed = nullptr;
-                if (!same(round(i, handed), expected[i % 7])) ++wrong;
-                if (!same(rectsOf(shared), sharedRects)) ++wrong;
+                if (round(i, handed) != expected[i % 7]) ++wrong;
+                if (rectsOf(shared) != sharedRects) ++wrong;
                 // Pass the region on to the next thread, and delete what the previous left.
                 HRGN old = mailbox[(t + 1) % kThreads].exchange(handed);
                 if (old) {
@@ -199,48 +193,32 @@ TEST(RegionHandles, ManyThreadsAtOnce)
         });
     }
     for (std::thread& th : threads) th.join();
-    for (auto& m : mailbox) {
-        if (HRGN h = m.exchange(nullptr)) {
+    for (auto& m : mailbox)
+        if (HRGN h = m.load()) {
             EXPECT_EQ(DeleteObject(h), TRUE);
         }
-    }
     EXPECT_EQ(wrong.load(), 0);
     EXPECT_EQ(staleAccepted.load(), 0);
-    EXPECT_TRUE(same(rectsOf(shared), sharedRects));
+    EXPECT_TRUE(rectsOf(shared) == sharedRects);
     EXPECT_EQ(DeleteObject(shared), TRUE);
     EXPECT_EQ(liveRegions(), before);
 }
 
-TEST(RegionTypes, LayoutMatchesTheWindowsStructures)
+TEST(RegionTypes, LayoutMatchesTheWindowsStructuresAndCRectNormalizes)
 {
-    EXPECT_EQ(sizeof(RECT), 16u);
-    EXPECT_EQ(sizeof(POINT), 8u);
-    EXPECT_EQ(sizeof(RGNDATAHEADER), 32u);
-    EXPECT_EQ(offsetof(RGNDATA, Buffer), 32u);
-    EXPECT_EQ(offsetof(RGNDATAHEADER, rcBound), 16u);
-    EXPECT_EQ(sizeof(DWORD), 4u);
-    EXPECT_EQ(sizeof(LONG), 4u);
-}
-
-TEST(RegionTypes, CRectNormalizeSwapsOnlyWhatIsTurned)
-{
-    CRect both(30, 40, 10, 20);
-    both.NormalizeRect();
-    EXPECT_TRUE(both == (RECT{10, 20, 30, 40}));
-    CRect across(30, 20, 10, 40);
-    across.NormalizeRect();
-    EXPECT_TRUE(across == (RECT{10, 20, 30, 40}));
-    CRect down(10, 40, 30, 20);
-    down.NormalizeRect();
-    EXPECT_TRUE(down == (RECT{10, 20, 30, 40}));
-    CRect flat(-5, 7, -5, 7);
-    flat.NormalizeRect();
-    EXPECT_TRUE(flat == (RECT{-5, 7, -5, 7}));
-    EXPECT_TRUE(flat.IsRectEmpty());
-    CRect extreme(2147483647, 0, -2147483647 - 1, 1);
-    extreme.NormalizeRect();
-    EXPECT_EQ(extreme.left, -2147483647 - 1);
-    EXPECT_EQ(extreme.right, 2147483647);
+    EXPECT_EQ((std::vector<std::size_t>{sizeof(RECT), sizeof(POINT), sizeof(RGNDATAHEADER), offsetof(RGNDATA, Buffer),
+                                        offsetof(RGNDATAHEADER, rcBound), sizeof(DWORD), sizeof(LONG)}),
+              (std::vector<std::size_t>{16, 8, 32, 32, 16, 4, 4}));
+    // NormalizeRect swaps only what is turned.
+    const RECT upright{10, 20, 30, 40}, extreme{-2147483647 - 1, 0, 2147483647, 1};
+    const struct { CRect in; RECT want; } cases[] = {
+        {{30, 40, 10, 20}, upright}, {{30, 20, 10, 40}, upright}, {{10, 40, 30, 20}, upright},
+        {{-5, 7, -5, 7}, {-5, 7, -5, 7}}, {{2147483647, 0, -2147483647 - 1, 1}, extreme}};
+    for (auto c : cases) {
+        c.in.NormalizeRect();
+        EXPECT_TRUE(c.in == c.want) << c.in.left << ' ' << c.in.top << ' ' << c.in.right << ' ' << c.in.bottom;
+    }
+    EXPECT_TRUE(CRect(-5, 7, -5, 7).IsRectEmpty());
     EXPECT_EQ(CRect(1, 2, 11, 32).Width(), 10);
     EXPECT_EQ(CRect(1, 2, 11, 32).Height(), 30);
 }

@@ -1,22 +1,11 @@
-#include <quillon/Region>
-#include <quillon/Transform>
+// Transform<T> * HRGN: the union of the images of the region's rectangles.
+#include "test_support.h"
 
-#include <gtest/gtest.h>
+#include <quillon/Region>
 
 #include <cmath>
-#include <vector>
 
 namespace {
-
-std::vector<RECT> rectangles(HRGN region)
-{
-    const DWORD size = GetRegionData(region, 0, nullptr);
-    std::vector<char> buffer(size);
-    auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
-    if (size == 0 || GetRegionData(region, size, data) == 0) return {};
-    const auto* r = reinterpret_cast<const RECT*>(buffer.data() + data->rdh.dwSize);
-    return std::vector<RECT>(r, r + data->rdh.nCount);
-}
 
 HRGN rectangleRegion(std::initializer_list<RECT> rects)
 {
@@ -41,17 +30,8 @@ bool takeAndCompare(HRGN mapped, std::initializer_list<RECT> expected)
 }
 
 template <class T>
-Transform<T> moved(double x)
-{
-    Transform<T> t;
-    t.Function_2428('x', T(x));
-    return t;
-}
-
-template <class T>
 class RegionMapping : public ::testing::Test {};
-using ElementTypes = ::testing::Types<float, double, guarddouble>;
-TYPED_TEST_SUITE(RegionMapping, ElementTypes);
+TYPED_TEST_SUITE(RegionMapping, TransformTypes);
 
 TYPED_TEST(RegionMapping, NullEmptyAndDeletedRegionsGiveNull)
 {
@@ -67,23 +47,20 @@ TYPED_TEST(RegionMapping, NullEmptyAndDeletedRegionsGiveNull)
 
 TYPED_TEST(RegionMapping, MovesTurnsAndJoinsPiecesWithoutTouchingTheArgument)
 {
-    // One rectangle moved 5 along x.
+    // Moved by (3, -4): only the first two rows of the plane take part, and the argument is
+    // still the caller's, unchanged.
+    TypeParam e[16] = {1, 0, 0, 3, 0, 1, 0, -4, 7, 8, 9, 100, 5, 6, 7, 8};
     HRGN one = CreateRectRgn(10, 20, 30, 40);
-    EXPECT_TRUE(takeAndCompare(moved<TypeParam>(5.0) * one, {{15, 20, 35, 40}}));
-    // The argument is still the caller's, unchanged.
-    const auto rects = rectangles(one);
-    ASSERT_EQ(rects.size(), 1u);
-    EXPECT_EQ(rects[0].left, 10);
-    EXPECT_EQ(rects[0].right, 30);
-    DeleteObject(one);
+    EXPECT_TRUE(takeAndCompare(Transform<TypeParam>(e) * one, {{13, 16, 33, 36}}));
+    EXPECT_TRUE(takeAndCompare(one, {{10, 20, 30, 40}}));
 
     // The identity gives back the same pixels for a region of several bands.
     HRGN several = rectangleRegion({{0, 0, 10, 10}, {5, 5, 20, 15}, {-7, 30, -2, 31}});
-    HRGN same = Transform<TypeParam>() * several;
-    ASSERT_NE(same, nullptr);
-    EXPECT_NE(same, several);
-    EXPECT_TRUE(EqualRgn(same, several));
-    DeleteObject(same);
+    HRGN copy = Transform<TypeParam>() * several;
+    ASSERT_NE(copy, nullptr);
+    EXPECT_NE(copy, several);
+    EXPECT_TRUE(EqualRgn(copy, several));
+    DeleteObject(copy);
 
     // A quarter turn about z of a square gives a diamond, not the box around the turned corners.
     Transform<TypeParam> turn;
@@ -102,25 +79,15 @@ TYPED_TEST(RegionMapping, MovesTurnsAndJoinsPiecesWithoutTouchingTheArgument)
     DeleteObject(several);
 }
 
-TYPED_TEST(RegionMapping, OnlyTheFirstTwoRowsOfThePlaneTakePart)
-{
-    TypeParam e[16] = {1, 0, 0, 3, 0, 1, 0, -4, 7, 8, 9, 100, 5, 6, 7, 8};
-    const Transform<TypeParam> odd(e);
-    HRGN r = CreateRectRgn(0, 0, 10, 10);
-    EXPECT_TRUE(takeAndCompare(odd * r, {{3, -4, 13, 6}}));
-    DeleteObject(r);
-}
-
-TEST(RegionMappingCorners, FloatAndDoubleTruncateWhileGuarddoubleRoundsToNearest)
+TEST(RegionMappingCorners, CornersTruncateTowardZeroWhileGuarddoubleExitsToNearest)
 {
     HRGN r = CreateRectRgn(0, 0, 10, 10);
-    // 2.9 and 12.9: truncated to 2 and 12; nearest 3 and 13.
-    EXPECT_TRUE(takeAndCompare(moved<float>(2.9) * r, {{2, 0, 12, 10}}));
-    EXPECT_TRUE(takeAndCompare(moved<double>(2.9) * r, {{2, 0, 12, 10}}));
-    EXPECT_TRUE(takeAndCompare(moved<guarddouble>(2.9) * r, {{3, 0, 13, 10}}));
+    // 2.9 and 12.9: truncated to 2 and 12; nearest 3 and 13 (guarddouble's exit through nint).
+    EXPECT_TRUE(takeAndCompare(matrix<double>(identityWith(3, 2.9)) * r, {{2, 0, 12, 10}}));
+    EXPECT_TRUE(takeAndCompare(matrix<guarddouble>(identityWith(3, 2.9)) * r, {{3, 0, 13, 10}}));
     // -2.9 and 7.1: toward zero -2 and 7; nearest -3 and 7.
-    EXPECT_TRUE(takeAndCompare(moved<double>(-2.9) * r, {{-2, 0, 7, 10}}));
-    EXPECT_TRUE(takeAndCompare(moved<guarddouble>(-2.9) * r, {{-3, 0, 7, 10}}));
+    EXPECT_TRUE(takeAndCompare(matrix<double>(identityWith(3, -2.9)) * r, {{-2, 0, 7, 10}}));
+    EXPECT_TRUE(takeAndCompare(matrix<guarddouble>(identityWith(3, -2.9)) * r, {{-3, 0, 7, 10}}));
     DeleteObject(r);
 }
 

@@ -1,20 +1,14 @@
 // Transform<A> * ThreeDVector<B>: the 18 pairs of element types, each with its own entry and
 // exit conversions.
-#include "transform_checks.h"
+#include "test_support.h"
 
-#include <cmath>
 #include <limits>
 
 namespace {
 
 enum Ty { I, F, D, GI, GF, GD }; // int, float, double, guardint, guardfloat, guarddouble
-using Triple = std::array<double, 3>;
 
-struct Case {
-    Ty a, b;
-    Elements16 m;
-    Triple v, want;
-};
+struct Case { Ty a, b; Elements16 m; Triple v, want; };
 
 // The result is compared in its own element type B (see same() for why).
 template <class A, class B>
@@ -88,56 +82,38 @@ TEST(TransformMapping, EntryAndExitConversionsOfEachPair)
         // guarddouble keeps its fractions only under A = guarddouble.
         {F, GD, m, quarter, {1.75, -2.75, 1.25}}, {D, GD, m, quarter, {1.75, -2.75, 1.25}}, {GD, GD, m, quarter, {2, -2.5, 1}},
         // With the identity: (0.25, 0.75, -0.75) loses its fractions on entry unless A = guarddouble.
-        {F, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
-        {D, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
-        {GD, GD, kIdentity, {0.25, 0.75, -0.75}, {0.25, 0.75, -0.75}},
-        {GD, GF, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
+        {F, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}}, {D, GD, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
+        {GD, GD, kIdentity, {0.25, 0.75, -0.75}, {0.25, 0.75, -0.75}}, {GD, GF, kIdentity, {0.25, 0.75, -0.75}, {0, 1, -1}},
     };
     for (const Case& c : cases) check(c);
 }
 
-TEST(TransformMapping, RoundingAtTheEdgesOfPrecision)
+TEST(TransformMapping, RoundingAtTheEdgesOfPrecisionAndLimitsOnlyForGuardTypes)
 {
-    const double p24 = 0x1p24;
+    const double p24 = 0x1p24, inf = std::numeric_limits<double>::infinity();
+    const Elements16 fine = identityWith(3, 0x1p-30);
     const Case cases[] = {
         // Ties of guardint go toward zero: 1.5 gives 1, -1.5 gives -1.
-        {D, GI, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
-        {D, GI, identityWith(3, -0.5), {-1, 0, 0}, {-1, 0, 0}},
+        {D, GI, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}}, {D, GI, identityWith(3, -0.5), {-1, 0, 0}, {-1, 0, 0}},
         {F, GI, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
-        {D, I, identityWith(3, 0.5), {1, 0, 0}, {1, 0, 0}},
         // 2^24 + 1: the int exit truncates the double sum, guardint takes it rounded to float.
-        {F, I, identityWith(3, 1), {p24, 0, 0}, {p24 + 1, 0, 0}},
-        {F, GI, identityWith(3, 1), {p24, 0, 0}, {p24, 0, 0}},
+        {F, I, identityWith(3, 1), {p24, 0, 0}, {p24 + 1, 0, 0}}, {F, GI, identityWith(3, 1), {p24, 0, 0}, {p24, 0, 0}},
         // An int or guardint component above 2^24 is rounded to float on entry under A = float.
-        {F, I, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}},
-        {F, GI, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}},
+        {F, I, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}}, {F, GI, kIdentity, {p24 + 1, 0, 0}, {p24, 0, 0}},
         {D, I, kIdentity, {p24 + 1, 0, 0}, {p24 + 1, 0, 0}},
         // The float transform sums in double: 1 + 2^-30 reaches a double or guarddouble result.
-        {F, D, identityWith(3, 0x1p-30), {1, 0, 0}, {1 + 0x1p-30, 0, 0}},
-        {F, GD, identityWith(3, 0x1p-30), {1, 0, 0}, {1 + 0x1p-30, 0, 0}},
-        {F, F, identityWith(3, 0x1p-30), {1, 0, 0}, {1, 0, 0}},
-        {F, GF, identityWith(3, 0x1p-30), {1, 0, 0}, {1, 0, 0}},
+        {F, D, fine, {1, 0, 0}, {1 + 0x1p-30, 0, 0}}, {F, GD, fine, {1, 0, 0}, {1 + 0x1p-30, 0, 0}},
+        {F, F, fine, {1, 0, 0}, {1, 0, 0}}, {F, GF, fine, {1, 0, 0}, {1, 0, 0}},
         // Products first, translation last: 2^53 + 1 rounds to 2^53 before -2^53 is added.
         {D, D, {1, 1, 0, -0x1p53, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {0x1p53, 1, 0}, {0, 1, 0}},
         {F, D, {1, 1, 0, -0x1p24, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {p24, 1, 0}, {1, 1, 0}},
         {GD, GD, {1, 1, 0, -0x1p53, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}, {0x1p53, 1, 0}, {0, 1, 0}},
         // 0.1 enters a float transform rounded to float.
-        {F, D, kIdentity, {0.1, 0, 0}, {double(0.1f), 0, 0}},
-        {D, D, kIdentity, {0.1, 0, 0}, {0.1, 0, 0}},
-    };
-    for (const Case& c : cases) check(c);
-}
-
-TEST(TransformMapping, LimitsApplyOnlyWhereAGuardTypeIsInvolved)
-{
-    const double inf = std::numeric_limits<double>::infinity();
-    const Case cases[] = {
-        {D, GF, identityWith(0, 1.0e39), {1, 0, 0}, {kLf, 0, 0}},
-        {D, F, identityWith(0, 1.0e39), {1, 0, 0}, {inf, 0, 0}},
-        {D, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}},
-        {D, GI, identityWith(0, 3.0e9), {-1, 0, 0}, {-kLi, 0, 0}},
-        {F, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}},
-        {D, GD, identityWith(0, 1.0e308), {1, 1, 0}, {kL, 1, 0}},
+        {F, D, kIdentity, {0.1, 0, 0}, {double(0.1f), 0, 0}}, {D, D, kIdentity, {0.1, 0, 0}, {0.1, 0, 0}},
+        // Limits apply only where a guard type is involved.
+        {D, GF, identityWith(0, 1.0e39), {1, 0, 0}, {kLf, 0, 0}}, {D, F, identityWith(0, 1.0e39), {1, 0, 0}, {inf, 0, 0}},
+        {D, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}}, {D, GI, identityWith(0, 3.0e9), {-1, 0, 0}, {-kLi, 0, 0}},
+        {F, GI, identityWith(0, 3.0e9), {1, 0, 0}, {kLi, 0, 0}}, {D, GD, identityWith(0, 1.0e308), {1, 1, 0}, {kL, 1, 0}},
         // Under A = guarddouble the sum is the guard sum: 1 + 2^1022 keeps the 1.
         {GD, GD, identityWith(1, kL), {1, 1, 0}, {1, 1, 0}},
     };
