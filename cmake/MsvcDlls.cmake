@@ -18,7 +18,9 @@ foreach(objects guardscalars_dll_objects quillon_dll_objects)
   target_include_directories(${objects} PRIVATE ${PROJECT_SOURCE_DIR}/include)
   target_compile_options(${objects} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions>)
 endforeach()
-target_compile_definitions(quillon_dll_objects PRIVATE QUILLON_BUILDING_MODULE)
+# Quillon.dll calls the guard operations that "Guard Scalars.dll" exports, as every module built
+# against that library does; elsewhere they are inlined.
+target_compile_definitions(quillon_dll_objects PRIVATE QUILLON_BUILDING_MODULE QUILLON_GUARD_OUT_OF_LINE)
 
 # "Guard Scalars.dll": the 51 exports of the guard classes.
 quillon_msvc_object(${dir}/GuardExports.obj ${CMAKE_CURRENT_SOURCE_DIR}/scalars/msvc/GuardExports.cpp)

@@ -1,7 +1,7 @@
-// Inside Quillon.dll: the guard operations that the library's code calls out of line, each one
-// forwarded to the member that Quillon.dll imports from "Guard Scalars.dll" by its MSVC name, so
-// that the module runs beside any build of that library (ours, or one made by the platform's
-// compiler). Compiled by mingw-w64 g++ in place of the static guard library.
+// Inside Quillon.dll, whose code is built with QUILLON_GUARD_OUT_OF_LINE: the guard operations
+// that <quillon/GuardScalars> then only declares, each one forwarded to the member that Quillon.dll
+// imports from "Guard Scalars.dll" by its MSVC name, so that the module runs beside any build of
+// that library (ours, or one made by the platform's compiler).
 #include <quillon/GuardScalars>
 
 #include "guard_bridge.h"
