@@ -5,38 +5,22 @@
 #include <quillon/Transform>
 
 #include <new>
+#include <type_traits>
 
 #include "bridge.h"
 
 namespace {
 
-template <class T>
-struct Is {};
+using quillon::seam::Is;
+using quillon::seam::withKind;
 
 // Calls f(Is<T>{}) for the transform element type that `type` names.
 template <class F>
 void withElement(int type, F&& f) noexcept
 {
-    switch (type) {
-    case QUILLON_KIND_FLOAT: f(Is<float>{}); break;
-    case QUILLON_KIND_DOUBLE: f(Is<double>{}); break;
-    case QUILLON_KIND_GUARDDOUBLE: f(Is<guarddouble>{}); break;
-    default: break;
-    }
-}
-// The same for the six vector element types.
-template <class F>
-void withVector(int type, F&& f) noexcept
-{
-    switch (type) {
-    case QUILLON_KIND_INT: f(Is<int>{}); break;
-    case QUILLON_KIND_FLOAT: f(Is<float>{}); break;
-    case QUILLON_KIND_DOUBLE: f(Is<double>{}); break;
-    case QUILLON_KIND_GUARDINT: f(Is<guardint>{}); break;
-    case QUILLON_KIND_GUARDFLOAT: f(Is<guardfloat>{}); break;
-    case QUILLON_KIND_GUARDDOUBLE: f(Is<guarddouble>{}); break;
-    default: break;
-    }
+    withKind(type, [&]<class T>(Is<T> is) {
+        if constexpr (std::is_same_v<T, float> || std::is_same_v<T, double> || std::is_same_v<T, guarddouble>) f(is);
+    });
 }
 
 template <class T>
@@ -76,7 +60,7 @@ void quillon_bridge_compose(int type, const void* t, const void* right, void* ou
 void quillon_bridge_map(int type, const void* t, int vector_type, const void* v, void* out)
 {
     withElement(type, [&]<class A>(Is<A>) {
-        withVector(vector_type, [&]<class B>(Is<B>) {
+        withKind(vector_type, [&]<class B>(Is<B>) {
             new (out) ThreeDVector<B>(as<A>(t) * *static_cast<const ThreeDVector<B>*>(v));
         });
     });

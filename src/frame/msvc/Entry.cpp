@@ -11,10 +11,7 @@
 
 extern "C" int _fltused = 0; // the MSVC ABI's marker of floating-point use
 
-namespace {
-template <class T>
-constexpr int kind = QuillonKind<T>::value;
-} // namespace
+using quillon::seam::kind;
 
 template <class T>
 Transform<T>::Transform() { quillon_bridge_identity(kind<T>, elements); }

@@ -14,31 +14,31 @@ template <class To, class From>
 To convert(const From& value)
 {
     To result;
-    quillon_guard_convert(QuillonKind<From>::value, QuillonKind<To>::value, &value, &result);
+    quillon_guard_convert(quillon::seam::kind<From>, quillon::seam::kind<To>, &value, &result);
     return result;
 }
 template <class To, class From>
 void construct(To* self, const From& value)
 {
-    quillon_guard_convert(QuillonKind<From>::value, QuillonKind<To>::value, &value, self);
+    quillon_guard_convert(quillon::seam::kind<From>, quillon::seam::kind<To>, &value, self);
 }
 template <class G, class A, class B>
 G arith(char op, const A& a, const B& b)
 {
     G result;
-    quillon_guard_arith(QuillonKind<G>::value, op, &a, &b, &result);
+    quillon_guard_arith(quillon::seam::kind<G>, op, &a, &b, &result);
     return result;
 }
 template <class G>
 G& update(char op, G& a, const G& b)
 {
-    quillon_guard_update(QuillonKind<G>::value, op, &a, &b);
+    quillon_guard_update(quillon::seam::kind<G>, op, &a, &b);
     return a;
 }
 template <class G>
 int compare(char op, const G& a, const G& b)
 {
-    return quillon_guard_compare(QuillonKind<G>::value, op, &a, &b);
+    return quillon_guard_compare(quillon::seam::kind<G>, op, &a, &b);
 }
 
 } // namespace

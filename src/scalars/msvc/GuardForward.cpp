@@ -12,20 +12,20 @@ template <class To, class From>
 To convert(const From& value) noexcept
 {
     To result{};
-    quillon_guard_import_convert(QuillonKind<From>::value, QuillonKind<To>::value, &value, &result);
+    quillon_guard_import_convert(quillon::seam::kind<From>, quillon::seam::kind<To>, &value, &result);
     return result;
 }
 template <class G, class A, class B>
 G arith(char op, const A& a, const B& b) noexcept
 {
     G result;
-    quillon_guard_import_arith(QuillonKind<G>::value, op, &a, &b, &result);
+    quillon_guard_import_arith(quillon::seam::kind<G>, op, &a, &b, &result);
     return result;
 }
 template <class G>
 int compare(char op, const G& a, const G& b) noexcept
 {
-    return quillon_guard_import_compare(QuillonKind<G>::value, op, &a, &b);
+    return quillon_guard_import_compare(quillon::seam::kind<G>, op, &a, &b);
 }
 
 } // namespace

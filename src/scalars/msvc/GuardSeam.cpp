@@ -15,8 +15,8 @@
 
 namespace {
 
-template <class T>
-struct Is {};
+using quillon::seam::Is;
+using quillon::seam::withKind;
 
 template <class A, class B>
 constexpr bool same = false;
@@ -24,21 +24,6 @@ template <class A>
 constexpr bool same<A, A> = true;
 template <class T>
 constexpr bool isGuard = same<T, guardint> || same<T, guardfloat> || same<T, guarddouble>;
-
-// Calls f(Is<T>{}) for the type that `kind` names.
-template <class F>
-void withKind(int kind, F&& f)
-{
-    switch (kind) {
-    case QUILLON_KIND_INT: f(Is<int>{}); break;
-    case QUILLON_KIND_FLOAT: f(Is<float>{}); break;
-    case QUILLON_KIND_DOUBLE: f(Is<double>{}); break;
-    case QUILLON_KIND_GUARDINT: f(Is<guardint>{}); break;
-    case QUILLON_KIND_GUARDFLOAT: f(Is<guardfloat>{}); break;
-    case QUILLON_KIND_GUARDDOUBLE: f(Is<guarddouble>{}); break;
-    default: break;
-    }
-}
 
 template <class T>
 const T& in(const void* p) { return *static_cast<const T*>(p); }

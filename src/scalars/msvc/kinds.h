@@ -12,13 +12,36 @@ enum {
 };
 
 #ifdef __cplusplus
-template <class T> struct QuillonKind;
-template <> struct QuillonKind<int> { static const int value = QUILLON_KIND_INT; };
-template <> struct QuillonKind<float> { static const int value = QUILLON_KIND_FLOAT; };
-template <> struct QuillonKind<double> { static const int value = QUILLON_KIND_DOUBLE; };
-template <> struct QuillonKind<guardint> { static const int value = QUILLON_KIND_GUARDINT; };
-template <> struct QuillonKind<guardfloat> { static const int value = QUILLON_KIND_GUARDFLOAT; };
-template <> struct QuillonKind<guarddouble> { static const int value = QUILLON_KIND_GUARDDOUBLE; };
+/* For both sides' C++ (no standard library on the MSVC side): the number of a type, and a call of
+   f(Is<T>{}) for the type that a number names. */
+namespace quillon::seam {
+template <class T> struct Kind;
+template <> struct Kind<int> { static const int value = QUILLON_KIND_INT; };
+template <> struct Kind<float> { static const int value = QUILLON_KIND_FLOAT; };
+template <> struct Kind<double> { static const int value = QUILLON_KIND_DOUBLE; };
+template <> struct Kind<guardint> { static const int value = QUILLON_KIND_GUARDINT; };
+template <> struct Kind<guardfloat> { static const int value = QUILLON_KIND_GUARDFLOAT; };
+template <> struct Kind<guarddouble> { static const int value = QUILLON_KIND_GUARDDOUBLE; };
+template <class T>
+constexpr int kind = Kind<T>::value;
+
+template <class T>
+struct Is {};
+
+template <class F>
+void withKind(int k, F&& f)
+{
+    switch (k) {
+    case QUILLON_KIND_INT: f(Is<int>{}); break;
+    case QUILLON_KIND_FLOAT: f(Is<float>{}); break;
+    case QUILLON_KIND_DOUBLE: f(Is<double>{}); break;
+    case QUILLON_KIND_GUARDINT: f(Is<guardint>{}); break;
+    case QUILLON_KIND_GUARDFLOAT: f(Is<guardfloat>{}); break;
+    case QUILLON_KIND_GUARDDOUBLE: f(Is<guarddouble>{}); break;
+    default: break;
+    }
+}
+} // namespace quillon::seam
 #endif
 
 #endif
