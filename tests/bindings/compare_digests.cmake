@@ -1,6 +1,7 @@
 # Runs the C interface test and the C++ reference program and fails unless both succeed and print
 # the same digests, line for line.
 #   cmake -DTEST=... -DREFERENCE=... -P compare_digests.cmake
+cmake_minimum_required(VERSION 3.25)
 execute_process(COMMAND ${TEST} OUTPUT_VARIABLE from_c RESULT_VARIABLE c_status)
 execute_process(COMMAND ${REFERENCE} OUTPUT_VARIABLE from_cpp RESULT_VARIABLE cpp_status)
 if(NOT c_status EQUAL 0 OR NOT cpp_status EQUAL 0)
