@@ -31,7 +31,8 @@ soname=$(readelf -d "$work/prefix/lib/libquillon_c.so.1" | sed -n 's/.*Library s
 [ "$soname" = "libquillon_c.so.1" ] || { echo "libquillon_c: soname '$soname'"; exit 1; }
 cc -std=c99 -Wall -Wextra -pedantic -Werror "$source/examples/example.c" -I"$work/prefix/include" \
   -L"$work/prefix/lib" -lquillon_c -o "$work/c-example"
-LD_LIBRARY_PATH="$work/prefix/lib" "$work/c-example" | grep -q "^int point: *10, 0, 0$"
+c_output=$(LD_LIBRARY_PATH="$work/prefix/lib" "$work/c-example")
+grep -q "^int point: *10, 0, 0$" <<<"$c_output"
 module=$(find "$work/prefix" -path '*-packages/quillon*.so' | head -n 1)
 if compgen -G "$build/python/site/quillon*.so" >/dev/null; then
   [ -n "$module" ] || { echo "the Python module was built but not installed"; exit 1; }
