@@ -335,7 +335,10 @@ PYBIND11_MODULE(quillon, m)
         .def_property_readonly("dtype", &PyTransform::dtype)
         .def_property("elements", &PyTransform::elements, &PyTransform::setElements,
                       "The 16 elements as a new (4, 4) array (float64 raw values for guarddouble)")
-        .def("__array__", [](const PyTransform& t, py::args, py::kwargs) { return t.elements(); })
+        .def("__array__", [](const PyTransform& t, py::object dtype, py::kwargs) -> py::object {
+                 py::object e = t.elements();
+                 return dtype.is_none() ? e : e.attr("astype")(dtype);
+             }, py::arg("dtype") = py::none())
         .def("copy", [](const PyTransform& t) { return t; })
         .def("__copy__", [](const PyTransform& t) { return t; })
         .def("__deepcopy__", [](const PyTransform& t, py::object) { return t; })

@@ -214,6 +214,7 @@ def test_elements_in_and_out():
     assert g.elements[0, 0] == 2.0**1022  # entered through guarddouble(double)
     t.elements = np.eye(4)
     assert np.array_equal(np.asarray(t), np.eye(4))
+    assert np.asarray(quillon.Transform().move("x", 0.1), dtype=np.float32)[0, 3] == np.float32(0.1)
 
 
 def test_guard_scalar_rules():
