@@ -90,6 +90,10 @@ py::array_t<V, py::array::c_style> rowsOf(const py::array& a, py::ssize_t width,
                               ") array, got shape " + shapeText(a));
     auto rows = py::array_t<V, py::array::c_style>::ensure(a);
     if (!rows) throw py::type_error(std::string(what) + ": could not read the array");
+    // A misaligned buffer (numpy.frombuffer at an odd offset) is copied too, so that every
+    // element is read at its own alignment.
+    if (!rows.attr("flags").attr("aligned").template cast<bool>())
+        rows = py::array_t<V, py::array::c_style>::ensure(rows.attr("copy")());
     return rows;
 }
 

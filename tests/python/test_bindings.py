@@ -258,6 +258,15 @@ def test_strided_and_fortran_arrays_are_copied(dtype):
     assert t.map(wide[:, ::2]).tobytes() == t.map(base).tobytes()
 
 
+def test_misaligned_and_read_only_arrays():
+    t = quillon.Transform().turn_y(0.25).move("x", 1.5)
+    points = np.arange(30, dtype=np.float64).reshape(10, 3) - 7.5
+    raw = b"\0" * 4 + points.tobytes()
+    shifted = np.frombuffer(raw, dtype=np.float64, offset=4).reshape(10, 3)
+    assert not shifted.flags.aligned and not shifted.flags.writeable
+    assert t.map(shifted).tobytes() == t.map(points).tobytes()
+
+
 @pytest.mark.parametrize("points, dtype, error", [
     (np.zeros((4, 2)), None, ValueError),
     (np.zeros(3), None, ValueError),
