@@ -24,3 +24,19 @@ export PKG_CONFIG_PATH="$work/prefix/lib/pkgconfig"
 # shellcheck disable=SC2046
 c++ -std=c++17 "$source/examples/consumer/main.cpp" -o "$work/pc-consumer" $(pkg-config --cflags --libs quillon)
 LD_LIBRARY_PATH="$work/prefix/lib" "$work/pc-consumer"
+
+# The C interface: libquillon_c.so.1 and <quillon/quillon.h> serve a C99 program; the Python module
+# imports from the prefix's Python path.
+soname=$(readelf -d "$work/prefix/lib/libquillon_c.so.1" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')
+[ "$soname" = "libquillon_c.so.1" ] || { echo "libquillon_c: soname '$soname'"; exit 1; }
+cc -std=c99 -Wall -Wextra -pedantic -Werror "$source/examples/example.c" -I"$work/prefix/include" \
+  -L"$work/prefix/lib" -lquillon_c -o "$work/c-example"
+c_output=$(LD_LIBRARY_PATH="$work/prefix/lib" "$work/c-example")
+grep -q "^int point: *10, 0, 0$" <<<"$c_output"
+module=$(find "$work/prefix" -path '*-packages/quillon*.so' | head -n 1)
+if compgen -G "$build/python/site/quillon*.so" >/dev/null; then
+  [ -n "$module" ] || { echo "the Python module was built but not installed"; exit 1; }
+  python=$(command -v /usr/bin/python3 || command -v python3)
+  PYTHONPATH=$(dirname "$module") /usr/bin/env -u LD_LIBRARY_PATH "$python" \
+    -c 'import quillon, numpy; assert quillon.Transform().move("x", 2.0).map(numpy.zeros((1, 3)))[0, 0] == 2.0'
+fi

@@ -1,0 +1,459 @@
+/* The C interface from C: hand-picked cases where a rule bites, null pointers and sizes, then the
+ * seeded battery, whose digests (printed to standard output) must equal those of the C++ reference
+ * program bit for bit. Compiled as C99. Exit status 1 when a hand-picked case fails. */
+#include <quillon/quillon.h>
+
+#include "battery.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+static int failures = 0;
+
+static void check(int ok, const char* what, int line)
+{
+    if (!ok) {
+        fprintf(stderr, "c_interface_test.c:%d: failed: %s\n", line, what);
+        ++failures;
+    }
+}
+#define CHECK(cond) check((cond) ? 1 : 0, #cond, __LINE__)
+
+static int same_bits_d(double a, double b) { return memcmp(&a, &b, sizeof a) == 0; }
+
+static void hand_picked(void)
+{
+    quillon_d_transform d;
+    quillon_gd_transform gd;
+    quillon_f_transform f;
+    quillon_i_point ip = {1, 0, 0};
+    quillon_gi_point gip = {1, 0, 0};
+    quillon_d_point dp = {1.0, 2.0, 3.0};
+    quillon_d_point dps[3] = {{1.0, 2.0, 3.0}, {-4.0, 0.5, 1e9}, {0.0, -0.0, 7.0}};
+    quillon_d_point single;
+    int32_t rect[4] = {2, 0, 3, 1};
+    int32_t* out = NULL;
+    size_t out_n = 99;
+    double e[16];
+    double raw;
+    int i;
+
+    CHECK(strcmp(quillon_version(), "1.0.0.1") == 0);
+    CHECK(quillon_version_number() == 0x01000001u);
+
+    /* Moving 0.75 along x: an int point is truncated toward zero, a guardint one goes to nearest. */
+    quillon_d_identity(&d);
+    quillon_d_move(&d, 'x', 0.75);
+    CHECK(quillon_d_map_i(&d, ip).x == 1);
+    CHECK(quillon_d_map_gi(&d, gip).x == 2);
+    quillon_d_move(&d, 'w', 100.0); /* not an axis: nothing happens */
+    CHECK(d.e[3] == 0.75 && d.e[7] == 0.0 && d.e[11] == 0.0);
+    quillon_d_move(&d, 'Y', -2.0);
+    CHECK(d.e[7] == -2.0);
+
+    /* The turn acts after the move: (1, 0, 0) moved by 10 then turned a quarter about z. */
+    quillon_d_identity(&d);
+    quillon_d_move(&d, 'x', 10.0);
+    quillon_d_turn_z(&d, 1.5707963267948966);
+    single = quillon_d_map_d(&d, dp);
+    CHECK(single.x < -1.99 && single.x > -2.01 && single.y > 10.99 && single.y < 11.01 && single.z == 3.0);
+
+    /* Region mapping: the same scale by 1.45 in guarddouble and double. Through guarddouble a mapped
+     * corner comes back by nint (2.9 gives 3), through double it is truncated (2.9 gives 2). */
+    quillon_gd_identity(&gd);
+    quillon_gd_scale_x(&gd, 1.45);
+    CHECK(quillon_gd_map_rects(&gd, rect, 1, &out, &out_n) == QUILLON_OK);
+    CHECK(out_n == 1 && out != NULL && out[0] == 3 && out[1] == 0 && out[2] == 4 && out[3] == 1);
+    quillon_free_rects(out);
+    quillon_d_identity(&d);
+    quillon_d_scale_x(&d, 1.45);
+    CHECK(quillon_d_map_rects(&d, rect, 1, &out, &out_n) == QUILLON_OK);
+    CHECK(out_n == 1 && out != NULL && out[0] == 2 && out[1] == 0 && out[2] == 4 && out[3] == 1);
+    quillon_free_rects(out);
+    /* An inverted rectangle is normalised; an empty one adds nothing. */
+    rect[0] = 3;
+    rect[2] = 2;
+    CHECK(quillon_d_map_rects(NULL, rect, 1, &out, &out_n) == QUILLON_OK);
+    CHECK(out_n == 1 && out[0] == 2 && out[2] == 3);
+    quillon_free_rects(out);
+    rect[2] = 3;
+    CHECK(quillon_d_map_rects(NULL, rect, 1, &out, &out_n) == QUILLON_OK && out_n == 0 && out == NULL);
+
+    /* Null pointers and sizes. */
+    CHECK(quillon_d_map_rects(&d, NULL, 1, &out, &out_n) == QUILLON_NULL_ARGUMENT && out == NULL && out_n == 0);
+    CHECK(quillon_d_map_rects(&d, rect, 1, NULL, &out_n) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_d_map_rects(&d, rect, 1, &out, NULL) == QUILLON_NULL_ARGUMENT && out == NULL);
+    CHECK(quillon_d_map_rects(&d, rect, (size_t)QUILLON_MAX_RECTS + 1, &out, &out_n) == QUILLON_TOO_LARGE);
+    CHECK(quillon_d_map_rects(&d, NULL, 0, &out, &out_n) == QUILLON_OK && out_n == 0 && out == NULL);
+    CHECK(quillon_d_map_d_n(&d, NULL, dps, 3) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_d_map_d_n(&d, dps, NULL, 3) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_d_map_d_n(&d, NULL, NULL, 0) == QUILLON_OK);
+    quillon_free_rects(NULL);
+    quillon_d_turn_x(NULL, 1.0);
+    quillon_d_move(NULL, 'x', 1.0);
+    quillon_gd_add_assign(NULL, 1.0);
+    quillon_gi_div_assign(NULL, 1);
+    quillon_d_identity(NULL);
+    quillon_d_copy_elements(&d, NULL);
+    /* A null transform is the identity: its determinant is 1, its elements the identity's. */
+    CHECK(quillon_d_determinant(NULL) == 1.0);
+    quillon_d_copy_elements(NULL, e);
+    for (i = 0; i < 16; ++i) CHECK(e[i] == (i % 5 == 0 ? 1.0 : 0.0));
+    quillon_d_from_elements(NULL, &d);
+    CHECK(d.e[0] == 1.0 && d.e[1] == 0.0 && d.e[15] == 1.0);
+
+    /* n points through the one loop equal the points one by one, also in place. */
+    quillon_d_from_angles(0.1, -0.7, 2.0, &d);
+    quillon_d_move(&d, 'z', 5.5);
+    {
+        quillon_d_point mapped[3];
+        CHECK(quillon_d_map_d_n(&d, dps, mapped, 3) == QUILLON_OK);
+        for (i = 0; i < 3; ++i) {
+            single = quillon_d_map_d(&d, dps[i]);
+            CHECK(memcmp(&single, &mapped[i], sizeof single) == 0);
+        }
+        CHECK(quillon_d_map_d_n(&d, dps, dps, 3) == QUILLON_OK);
+        CHECK(memcmp(dps, mapped, sizeof mapped) == 0);
+    }
+
+    /* Singular: the inverse is the identity. Destinations may be the source itself. */
+    quillon_f_identity(&f);
+    quillon_f_scale_y(&f, 0.0f);
+    CHECK(quillon_f_determinant(&f) == 0.0f);
+    quillon_f_inverse(&f, &f);
+    CHECK(f.e[5] == 1.0f);
+    quillon_d_from_angles(0.0, 0.0, 0.0, &d);
+    quillon_d_scale_x(&d, 4.0);
+    quillon_d_inverse(&d, &d);
+    CHECK(d.e[0] == 0.25);
+
+    /* Guard scalars where a rule turns. */
+    CHECK(quillon_gd_div(1.0, 0.0) == 0x1p1022);
+    CHECK(quillon_gd_div(-0x1p1022, 0.0) == -0x1p1022);
+    CHECK(quillon_gd_div(0.0, 0.0) == 0.0);
+    CHECK(quillon_gd_mul(0x1p1022, -1e-300) == -0x1p1022);
+    CHECK(quillon_gd_from_double(1e308) == 0x1p1022);
+    CHECK(quillon_gd_add(0x1p1021, 0x1p1021) == 0x1p1022);
+    CHECK(quillon_gd_nint(2.5) == 3 && quillon_gd_nint(-2.5) == -3 && quillon_gd_nint(1e300) == 2147483647);
+    CHECK(quillon_gd_round_to_whole(2.5) == 2.0 && quillon_gd_round_to_whole(-2.5) == -3.0);
+    CHECK(quillon_gd_nint(NAN) == 0);
+    raw = 3.0;
+    quillon_gd_div_assign(&raw, 2.0);
+    CHECK(raw == 1.5);
+    CHECK(same_bits_d(quillon_gd_sub(0.0, 0.0), 0.0));
+    CHECK(quillon_gi_add(2147483000, 1000) == 2147483647);
+    CHECK(quillon_gi_sub(0, INT32_MIN) == 2147483647);
+    CHECK(quillon_gi_mul(65536, -65536) == -2147483647);
+    CHECK(quillon_gi_div(7, 0) == 2147483647 && quillon_gi_div(-7, 2) == -3);
+    CHECK(quillon_gi_from_double(2.5) == 2 && quillon_gi_from_double(-2.5) == -2 && quillon_gi_from_double(2.51) == 3);
+    CHECK(quillon_gi_from_int(INT32_MIN) == INT32_MIN);
+    CHECK(quillon_gf_add(0x1p126f, -1.0f) == 0x1p126f);
+    CHECK(quillon_gf_from_double(1e300) == 0x1p126f);
+    CHECK(quillon_gf_div(1.0f, 3.0f) == (float)(1.0 / 3.0));
+    CHECK(quillon_gf_lt(1.0f, 2.0f) == 1 && quillon_gf_eq(NAN, NAN) == 0 && quillon_gf_ne(NAN, NAN) == 1);
+}
+
+/* ---- The battery: the same steps as the C++ reference program. ---- */
+
+static float elem_f(qb_rng* r) { return qb_float(r); }
+static double elem_d(qb_rng* r) { return qb_double(r); }
+static double elem_gd(qb_rng* r) { return qb_double(r); }
+static int32_t elem_i(qb_rng* r) { return qb_int(r); }
+static int32_t elem_gi(qb_rng* r) { return qb_int(r); }
+static float elem_gf(qb_rng* r) { return qb_float(r); }
+#define put_f qb_put_float
+#define put_d qb_put_double
+#define put_gd qb_put_double
+#define put_i qb_put_int
+#define put_gi qb_put_int
+#define put_gf qb_put_float
+
+static void guard_families(void)
+{
+    qb_rng r;
+    qb_digest g;
+    int k;
+
+    r.state = QB_SEED + 1;
+    qb_start(&g);
+    for (k = 0; k < QB_GUARD_ROUNDS; ++k) {
+        const double a = qb_double(&r), b = qb_double(&r);
+        const int32_t i = qb_int(&r);
+        double x;
+        qb_put_double(&g, quillon_gd_from_int(i));
+        qb_put_double(&g, quillon_gd_from_double(a));
+        qb_put_double(&g, quillon_gd_from_gi(i));
+        qb_put_double(&g, quillon_gd_add(a, b));
+        qb_put_double(&g, quillon_gd_sub(a, b));
+        qb_put_double(&g, quillon_gd_sub_double(a, b));
+        qb_put_double(&g, quillon_gd_mul(a, b));
+        qb_put_double(&g, quillon_gd_mul_int(i, b));
+        qb_put_double(&g, quillon_gd_div(a, b));
+        x = a;
+        quillon_gd_add_assign(&x, b);
+        qb_put_double(&g, x);
+        x = a;
+        quillon_gd_div_assign(&x, b);
+        qb_put_double(&g, x);
+        qb_put_int(&g, quillon_gd_nint(a));
+        qb_put_double(&g, quillon_gd_round_to_whole(a));
+        qb_put_int(&g, quillon_gd_eq(a, b));
+        qb_put_int(&g, quillon_gd_ne(a, b));
+        qb_put_int(&g, quillon_gd_lt(a, b));
+        qb_put_int(&g, quillon_gd_gt(a, b));
+    }
+    qb_print("guard-double", &g);
+
+    r.state = QB_SEED + 2;
+    qb_start(&g);
+    for (k = 0; k < QB_GUARD_ROUNDS; ++k) {
+        const float a = qb_float(&r), b = qb_float(&r);
+        const double x = qb_double(&r);
+        const int32_t i = qb_int(&r);
+        float y;
+        qb_put_float(&g, quillon_gf_from_int(i));
+        qb_put_float(&g, quillon_gf_from_double(x));
+        qb_put_float(&g, quillon_gf_from_gi(i));
+        qb_put_float(&g, quillon_gf_add(a, b));
+        qb_put_float(&g, quillon_gf_sub(a, b));
+        qb_put_float(&g, quillon_gf_mul(a, b));
+        qb_put_float(&g, quillon_gf_div(a, b));
+        y = a;
+        quillon_gf_add_assign(&y, b);
+        qb_put_float(&g, y);
+        y = a;
+        quillon_gf_div_assign(&y, b);
+        qb_put_float(&g, y);
+        qb_put_int(&g, quillon_gf_nint(a));
+        qb_put_int(&g, quillon_gf_eq(a, b));
+        qb_put_int(&g, quillon_gf_ne(a, b));
+        qb_put_int(&g, quillon_gf_lt(a, b));
+    }
+    qb_print("guard-float", &g);
+
+    r.state = QB_SEED + 3;
+    qb_start(&g);
+    for (k = 0; k < QB_GUARD_ROUNDS; ++k) {
+        const int32_t a = qb_int(&r), b = qb_int(&r);
+        const double x = qb_double(&r);
+        const float f = qb_float(&r);
+        int32_t y;
+        qb_put_int(&g, quillon_gi_from_int(a));
+        qb_put_int(&g, quillon_gi_from_double(x));
+        qb_put_int(&g, quillon_gi_from_float(f));
+        qb_put_int(&g, quillon_gi_from_gd(x));
+        qb_put_int(&g, quillon_gi_from_gf(f));
+        qb_put_double(&g, quillon_gi_to_double(a));
+        qb_put_float(&g, quillon_gi_to_float(a));
+        qb_put_int(&g, quillon_gi_add(a, b));
+        qb_put_int(&g, quillon_gi_sub(a, b));
+        qb_put_int(&g, quillon_gi_mul(a, b));
+        qb_put_int(&g, quillon_gi_div(a, b));
+        y = a;
+        quillon_gi_add_assign(&y, b);
+        qb_put_int(&g, y);
+        y = a;
+        quillon_gi_div_assign(&y, b);
+        qb_put_int(&g, y);
+        qb_put_int(&g, quillon_gi_eq(a, b));
+        qb_put_int(&g, quillon_gi_ne(a, b));
+        qb_put_int(&g, quillon_gi_lt(a, b));
+    }
+    qb_print("guard-int", &g);
+}
+
+#define PUT_TRANSFORM(P, g, t)                                                                     \
+    do {                                                                                           \
+        int k_;                                                                                    \
+        for (k_ = 0; k_ < 16; ++k_) put_##P(g, (t).e[k_]);                                         \
+    } while (0)
+
+/* One transform family: construction, algebra and the in-place members on random inputs. */
+#define TRANSFORM_FAMILY(P, ET, INDEX)                                                             \
+    static void transform_family_##P(void)                                                         \
+    {                                                                                              \
+        qb_rng r;                                                                                  \
+        qb_digest g;                                                                               \
+        int round, k;                                                                              \
+        r.state = QB_SEED + (INDEX);                                                               \
+        qb_start(&g);                                                                              \
+        for (round = 0; round < QB_TRANSFORM_ROUNDS; ++round) {                                    \
+            ET e[16], copied[16];                                                                  \
+            double ax, ay, az, t1, t2, t3;                                                         \
+            ET s1, s2, s3, m1, m2;                                                                 \
+            char axis1, axis2;                                                                     \
+            quillon_##P##_transform a, b, c, d;                                                    \
+            for (k = 0; k < 16; ++k) e[k] = elem_##P(&r);                                          \
+            ax = qb_angle(&r);                                                                     \
+            ay = qb_angle(&r);                                                                     \
+            az = qb_angle(&r);                                                                     \
+            quillon_##P##_from_elements(e, &a);                                                    \
+            quillon_##P##_from_angles(ax, ay, az, &b);                                             \
+            PUT_TRANSFORM(P, &g, a);                                                               \
+            PUT_TRANSFORM(P, &g, b);                                                               \
+            quillon_##P##_compose(&a, &b, &c);                                                     \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            quillon_##P##_compose(&b, &a, &c);                                                     \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            quillon_##P##_adjoint(&a, &c);                                                         \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            put_##P(&g, quillon_##P##_determinant(&a));                                            \
+            put_##P(&g, quillon_##P##_determinant(&b));                                            \
+            quillon_##P##_inverse(&a, &c);                                                         \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            quillon_##P##_inverse(&b, &c);                                                         \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            quillon_##P##_transpose(&a, &c);                                                       \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            quillon_##P##_without_translation(&a, &c);                                             \
+            PUT_TRANSFORM(P, &g, c);                                                               \
+            put_##P(&g, quillon_##P##_e10(&a));                                                    \
+            put_##P(&g, quillon_##P##_e20(&a));                                                    \
+            put_##P(&g, quillon_##P##_e30(&a));                                                    \
+            d = b;                                                                                 \
+            t1 = qb_angle(&r);                                                                     \
+            t2 = qb_angle(&r);                                                                     \
+            t3 = qb_angle(&r);                                                                     \
+            quillon_##P##_turn_x(&d, t1);                                                          \
+            quillon_##P##_turn_y(&d, t2);                                                          \
+            quillon_##P##_turn_z(&d, t3);                                                          \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+            s1 = elem_##P(&r);                                                                     \
+            s2 = elem_##P(&r);                                                                     \
+            s3 = elem_##P(&r);                                                                     \
+            quillon_##P##_scale_x(&d, s1);                                                         \
+            quillon_##P##_scale_y(&d, s2);                                                         \
+            quillon_##P##_scale_z(&d, s3);                                                         \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+            axis1 = qb_axis(&r);                                                                   \
+            m1 = elem_##P(&r);                                                                     \
+            axis2 = qb_axis(&r);                                                                   \
+            m2 = elem_##P(&r);                                                                     \
+            quillon_##P##_move(&d, axis1, m1);                                                     \
+            quillon_##P##_move(&d, axis2, m2);                                                     \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+            quillon_##P##_transpose_in_place(&d);                                                  \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+            quillon_##P##_copy_elements(&d, copied);                                               \
+            for (k = 0; k < 16; ++k) put_##P(&g, copied[k]);                                       \
+            quillon_##P##_reset(&d);                                                               \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+            quillon_##P##_clear(&d);                                                               \
+            PUT_TRANSFORM(P, &g, d);                                                               \
+        }                                                                                          \
+        qb_print("transform-" #P, &g);                                                             \
+    }
+
+TRANSFORM_FAMILY(f, float, 4)
+TRANSFORM_FAMILY(d, double, 5)
+TRANSFORM_FAMILY(gd, double, 6)
+
+/* One mapping family: transforms of type P (random elements, or a rotation with moves) map points
+ * of type Q, one by one and n at a time; both must agree, and the digest holds the results. */
+#define MAP_FAMILY(P, ET, Q, INDEX)                                                                \
+    static void map_family_##P##_##Q(void)                                                         \
+    {                                                                                              \
+        qb_rng r;                                                                                  \
+        qb_digest g;                                                                               \
+        int round, j, k;                                                                           \
+        r.state = QB_SEED + (INDEX);                                                               \
+        qb_start(&g);                                                                              \
+        for (round = 0; round < QB_MAP_TRANSFORMS; ++round) {                                      \
+            quillon_##P##_transform t;                                                             \
+            quillon_##Q##_point in[QB_MAP_POINTS], out[QB_MAP_POINTS];                             \
+            if (round % 2 == 0) {                                                                  \
+                ET e[16];                                                                          \
+                for (k = 0; k < 16; ++k) e[k] = elem_##P(&r);                                      \
+                quillon_##P##_from_elements(e, &t);                                                \
+            } else {                                                                               \
+                const double ax = qb_angle(&r), ay = qb_angle(&r), az = qb_angle(&r);              \
+                ET m;                                                                              \
+                quillon_##P##_from_angles(ax, ay, az, &t);                                         \
+                m = elem_##P(&r);                                                                  \
+                quillon_##P##_move(&t, 'x', m);                                                    \
+                m = elem_##P(&r);                                                                  \
+                quillon_##P##_move(&t, 'y', m);                                                    \
+                m = elem_##P(&r);                                                                  \
+                quillon_##P##_move(&t, 'z', m);                                                    \
+            }                                                                                      \
+            for (j = 0; j < QB_MAP_POINTS; ++j) {                                                  \
+                in[j].x = elem_##Q(&r);                                                            \
+                in[j].y = elem_##Q(&r);                                                            \
+                in[j].z = elem_##Q(&r);                                                            \
+            }                                                                                      \
+            CHECK(quillon_##P##_map_##Q##_n(&t, in, out, QB_MAP_POINTS) == QUILLON_OK);            \
+            for (j = 0; j < QB_MAP_POINTS; ++j) {                                                  \
+                const quillon_##Q##_point one = quillon_##P##_map_##Q(&t, in[j]);                  \
+                CHECK(memcmp(&one, &out[j], sizeof one) == 0);                                     \
+                put_##Q(&g, one.x);                                                                \
+                put_##Q(&g, one.y);                                                                \
+                put_##Q(&g, one.z);                                                                \
+            }                                                                                      \
+        }                                                                                          \
+        qb_print("map-" #P "-" #Q, &g);                                                            \
+    }
+#define MAP_FAMILIES(P, ET, BASE)                                                                  \
+    MAP_FAMILY(P, ET, i, BASE + 0)                                                                 \
+    MAP_FAMILY(P, ET, f, BASE + 1)                                                                 \
+    MAP_FAMILY(P, ET, d, BASE + 2)                                                                 \
+    MAP_FAMILY(P, ET, gi, BASE + 3)                                                                \
+    MAP_FAMILY(P, ET, gf, BASE + 4)                                                                \
+    MAP_FAMILY(P, ET, gd, BASE + 5)
+MAP_FAMILIES(f, float, 7)
+MAP_FAMILIES(d, double, 13)
+MAP_FAMILIES(gd, double, 19)
+
+/* One region family: a few rectangles through a turn, or a scale and a move. */
+#define RECT_FAMILY(P, ET, INDEX)                                                                  \
+    static void rect_family_##P(void)                                                              \
+    {                                                                                              \
+        qb_rng r;                                                                                  \
+        qb_digest g;                                                                               \
+        int round;                                                                                 \
+        size_t j, n, out_n;                                                                        \
+        r.state = QB_SEED + (INDEX);                                                               \
+        qb_start(&g);                                                                              \
+        for (round = 0; round < QB_RECT_ROUNDS; ++round) {                                         \
+            quillon_##P##_transform t;                                                             \
+            int32_t ltrb[24];                                                                      \
+            int32_t* out = NULL;                                                                   \
+            n = 1 + (size_t)(qb_next(&r) % 6);                                                     \
+            for (j = 0; j < 4 * n; ++j) ltrb[j] = qb_pixel(&r);                                    \
+            quillon_##P##_identity(&t);                                                            \
+            if (round % 2 == 0) {                                                                  \
+                quillon_##P##_turn_z(&t, qb_unit(&r) * 7.0);                                       \
+            } else {                                                                               \
+                const ET factor = (ET)(0.25 + (double)(qb_next(&r) % 16) * 0.25);                  \
+                const ET dx = (ET)qb_pixel(&r), dy = (ET)qb_pixel(&r);                             \
+                quillon_##P##_scale_x(&t, factor);                                                 \
+                quillon_##P##_move(&t, 'x', dx);                                                   \
+                quillon_##P##_move(&t, 'y', dy);                                                   \
+            }                                                                                      \
+            CHECK(quillon_##P##_map_rects(&t, ltrb, n, &out, &out_n) == QUILLON_OK);               \
+            qb_put_int(&g, (int32_t)out_n);                                                        \
+            for (j = 0; j < 4 * out_n; ++j) qb_put_int(&g, out[j]);                                \
+            quillon_free_rects(out);                                                               \
+        }                                                                                          \
+        qb_print("rects-" #P, &g);                                                                 \
+    }
+RECT_FAMILY(f, float, 25)
+RECT_FAMILY(d, double, 26)
+RECT_FAMILY(gd, double, 27)
+
+int main(void)
+{
+    hand_picked();
+    guard_families();
+    transform_family_f();
+    transform_family_d();
+    transform_family_gd();
+    map_family_f_i(); map_family_f_f(); map_family_f_d(); map_family_f_gi(); map_family_f_gf(); map_family_f_gd();
+    map_family_d_i(); map_family_d_f(); map_family_d_d(); map_family_d_gi(); map_family_d_gf(); map_family_d_gd();
+    map_family_gd_i(); map_family_gd_f(); map_family_gd_d(); map_family_gd_gi(); map_family_gd_gf(); map_family_gd_gd();
+    rect_family_f();
+    rect_family_d();
+    rect_family_gd();
+    if (failures) fprintf(stderr, "%d checks failed\n", failures);
+    return failures ? 1 : 0;
+}
