@@ -19,8 +19,9 @@ install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/Qu
 
 # The .pc file finds its prefix from its own place, so the installed tree can be moved.
 file(RELATIVE_PATH QUILLON_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set(QUILLON_PC_EXTRA_CFLAGS -fno-tree-slp-vectorize)
-endif()
+# The same exactness flags as the CMake target Quillon::exactness.
+list(JOIN QUILLON_EXACTNESS_FLAGS " " QUILLON_PC_EXACTNESS_FLAGS)
 configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/quillon.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quillon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/quillon)

@@ -1,26 +1,55 @@
 #!/usr/bin/env bash
 # Installs the build into a temporary prefix and builds a separate consumer against it, once with
-# CMake's find_package and once with pkg-config; both programs must run and pass their checks.
+# CMake's find_package and once with pkg-config. Both programs must run with an empty environment
+# (no LD_LIBRARY_PATH: the installed libraries find each other), and both ways must hand the
+# compiler the same exactness flags.
 # usage: check_install.sh BUILD_DIR SOURCE_DIR
 set -euo pipefail
 build=$1 source=$2
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+fail() { echo "check_install: $*" >&2; exit 1; }
+
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
-test -f "$work/prefix/include/quillon/Transform"
-test -f "$work/prefix/lib/pkgconfig/quillon.pc"
+prefix=$work/prefix
+test -f "$prefix/include/quillon/Transform" || fail "no include/quillon/Transform"
+test -f "$prefix/lib/pkgconfig/quillon.pc" || fail "no lib/pkgconfig/quillon.pc"
+grep -q "MIT License" "$prefix/share/doc/quillon/LICENSE" || fail "no MIT license in share/doc/quillon"
 for lib in quillon guardscalars quillon_region; do
-  soname=$(readelf -d "$work/prefix/lib/lib$lib.so.1" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')
-  [ "$soname" = "lib$lib.so.1" ] || { echo "lib$lib: soname '$soname'"; exit 1; }
+  soname=$(readelf -d "$prefix/lib/lib$lib.so.1" | sed -n 's/.*Library soname: \[\(.*\)\]/\1/p')
+  [ "$soname" = "lib$lib.so.1" ] || fail "lib$lib: soname '$soname'"
 done
 # The installed tool reads the version record and the export list from the installed module.
-"$work/prefix/bin/quillon" info | grep -q "105 exported names"
+info=$(env -i "$prefix/bin/quillon" info) || fail "quillon info does not run from the installed tree"
+grep -q "105 exported names" <<<"$info" || fail "quillon info: no 105 exported names"
 
-cmake -S "$source/examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
+# Moved elsewhere, the tree still works: nothing in it names the prefix it was installed to.
+mv "$prefix" "$work/moved"
+prefix=$work/moved
+[ "$(env -i "$prefix/bin/quillon" map --move x:1 1,2,3)" = "2,2,3" ] || fail "quillon from a moved tree"
+
+cmake -S "$source/examples/consumer" -B "$work/cmake" -G Ninja -DCMAKE_PREFIX_PATH="$prefix" \
+  -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 cmake --build "$work/cmake" >/dev/null
-LD_LIBRARY_PATH="$work/prefix/lib" "$work/cmake/consumer"
+env -i "$work/cmake/consumer" || fail "the CMake consumer does not run with an empty environment"
 
-export PKG_CONFIG_PATH="$work/prefix/lib/pkgconfig"
+export PKG_CONFIG_PATH="$prefix/lib/pkgconfig"
 # shellcheck disable=SC2046
 c++ -std=c++17 "$source/examples/consumer/main.cpp" -o "$work/pc-consumer" $(pkg-config --cflags --libs quillon)
-LD_LIBRARY_PATH="$work/prefix/lib" "$work/pc-consumer"
+env -i "$work/pc-consumer" || fail "the pkg-config consumer does not run with an empty environment"
+
+# The exactness flags (-f..., -m...) that each way passes to the compiler of the consumer.
+cmake_flags=$(python3 -c '
+import json, sys
+for entry in json.load(open(sys.argv[1])):
+    if entry["file"].endswith("main.cpp"):
+        print("\n".join(a for a in entry["command"].split() if a.startswith(("-f", "-m"))))
+' "$work/cmake/compile_commands.json" | sort -u)
+pc_flags=$(pkg-config --cflags quillon | tr ' ' '\n' | grep -E '^-(f|m)' | sort -u || true)
+[ -n "$cmake_flags" ] || fail "the CMake package passes no exactness flags"
+grep -qx -- "-ffp-contract=off" <<<"$cmake_flags" || fail "the CMake package does not pass -ffp-contract=off"
+if [ "$cmake_flags" != "$pc_flags" ]; then
+  echo "CMake package: $cmake_flags" >&2
+  echo "quillon.pc:    $pc_flags" >&2
+  fail "the CMake package and quillon.pc pass different exactness flags"
+fi
