@@ -86,8 +86,36 @@ class MapTest(Case):
         self.assertEqual(self.lines("map", "--exact", "--vector", "int", "3,4,5"), ["3,4,5"])
 
     def test_points_from_standard_input(self):
-        out = self.lines("map", "--move", "y:1", stdin="1,2,3\n\n# a comment\n 4 , 5 , 6 \n")
-        self.assertEqual(out, ["1,3,3", "4,6,6"])
+        lines = "1,2,3\n\n# a comment\n 4 , 5 , 6 \n"
+        self.assertEqual(self.lines("map", "--move", "y:1", stdin=lines), ["1,3,3", "4,6,6"])
+        self.assertEqual(self.lines("map", "--move", "y:1", "-", stdin=lines), ["1,3,3", "4,6,6"])
+        self.assertEqual(self.lines("map", "--move", "y:1", "--file", "-", stdin=lines), ["1,3,3", "4,6,6"])
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "points.csv")
+            with open(path, "w") as f:
+                f.write(lines)
+            self.assertEqual(self.lines("map", "--move", "y:1", "--file", path), ["1,3,3", "4,6,6"])
+
+    def test_memory_does_not_grow_with_the_input(self):
+        # 300,000 points through --json: held whole, their text alone would take over 40 MB.
+        # The peak resident size of a child that only runs the tool is measured.
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "points.csv")
+            with open(path, "w") as f:
+                f.writelines(f"{k}.25,-{k}.5,{k % 977}\n" for k in range(300000))
+            probe = ("import resource, subprocess, sys\n"
+                     "with open(sys.argv[2]) as i, open(sys.argv[3], 'w') as o:\n"
+                     "    code = subprocess.run([sys.argv[1], 'map', '--json', '--move', 'x:1'], stdin=i, stdout=o).returncode\n"
+                     "print(code, resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)\n")
+            out = os.path.join(d, "out.json")
+            code, kb = map(int, subprocess.run([sys.executable, "-c", probe, TOOL, path, out], capture_output=True,
+                                               text=True, check=True).stdout.split())
+            self.assertEqual(code, 0)
+            self.assertLess(kb, 20 * 1024)
+            with open(out) as f:
+                points = json.load(f)["points"]
+        self.assertEqual(len(points), 300000)
+        self.assertEqual(points[-1], {"in": [299999.25, -299999.5, 299999 % 977], "out": [300000.25, -299999.5, 299999 % 977]})
 
     def test_json(self):
         doc = json.loads(self.ok("map", "--json", "--type", "float", "--vector", "guardint", "--move", "x:0.75",
@@ -99,6 +127,13 @@ class MapTest(Case):
         self.assertEqual([float.fromhex(v) for v in exact["points"][0]["out"]], [0.5, 0.0, 0.1])
         self.assertEqual(exact["matrix"][2][3], "0x1.999999999999ap-4")
         self.assertEqual(json.loads(self.ok("map", "--json", stdin=""))["points"], [])
+
+
+class VersionTest(Case):
+    def test_version_is_the_modules(self):
+        version = json.loads(self.ok("info", "--json"))["version"]["FixedFileVersion"]
+        self.assertEqual(self.ok("--version"), f"quillon {version}\n")
+        self.assertEqual(self.ok("-V"), f"quillon {version}\n")
 
 
 class MatrixTest(Case):
@@ -183,7 +218,14 @@ class RegionTest(Case):
         self.assertEqual(self.lines("region", "--type", "guarddouble", "--scale", "x:1.45", *rects), ["3,0,4,1", "-4,4,-3,5"])
         # Overlapping images are one region; an empty rectangle maps to nothing.
         self.assertEqual(self.lines("region", "--move", "y:1", "0,0,4,2", "2,0,6,2"), ["0,1,6,3"])
-        self.assertEqual(self.lines("region", "0,0,0,5"), [])
+
+    def test_an_empty_result_is_said_on_standard_error(self):
+        # Turned a quarter about x, the square stands on edge: every corner has y = 0.
+        self.assertEqual(run("region", "--turn", "x:90deg", "0,0,10,10"),
+                         (0, "", "quillon: the mapped region is empty (the transform flattens it to no pixel)\n"))
+        self.assertEqual(run("region", "0,0,0,5"), (0, "", "quillon: the mapped region is empty (the rectangles cover no pixel)\n"))
+        # Not said when there is something: a quarter turn about z keeps the pixels.
+        self.assertEqual(run("region", "--turn", "z:90deg", "0,0,10,10")[2], "")
 
     def test_turned_square_is_a_diamond(self):
         doc = json.loads(self.ok("region", "--json", *SQUARE_45))
@@ -201,12 +243,27 @@ class RegionTest(Case):
     def test_rectangles_from_a_file_or_standard_input(self):
         expected = self.lines("region", "--move", "x:1", "0,0,2,2", "4,4,6,6")
         self.assertEqual(expected, ["1,0,3,2", "5,4,7,6"])
-        self.assertEqual(self.lines("region", "--move", "x:1", stdin="# two\n0,0,2,2\n\n4,4,6,6\n"), expected)
+        lines = "# two\n0,0,2,2\n\n4,4,6,6\n"
+        self.assertEqual(self.lines("region", "--move", "x:1", stdin=lines), expected)
+        self.assertEqual(self.lines("region", "--move", "x:1", "-", stdin=lines), expected)
+        self.assertEqual(self.lines("region", "--move", "x:1", "--file", "-", stdin=lines), expected)
         with tempfile.TemporaryDirectory() as d:
             path = os.path.join(d, "rects.txt")
             with open(path, "w") as f:
                 f.write("0,0,2,2\n 4 , 4 , 6 , 6 \n")
             self.assertEqual(self.lines("region", "--move", "x:1", "--file", path), expected)
+            out = os.path.join(d, "out.txt")
+            self.assertEqual(self.ok("region", "--move", "x:1", "--file", path, "-o", out), "")
+            with open(out) as f:
+                self.assertEqual(f.read().splitlines(), expected)
+
+    def test_overlapping_rectangles_are_one_region_before_mapping(self):
+        # Two overlapping rectangles and the one they make give the same result through a turn: the
+        # region is joined first, so its rectangles (not the given ones) are what is mapped. Enough
+        # of them to be joined in several batches.
+        pieces = [f"{x},0,{x + 2},3" for x in range(0, 3000)]
+        whole = self.lines("region", "--turn", "z:0.3", "0,0,3001,3")
+        self.assertEqual(self.lines("region", "--turn", "z:0.3", stdin="\n".join(pieces) + "\n"), whole)
 
     def test_svg(self):
         with tempfile.TemporaryDirectory() as d:
@@ -235,8 +292,13 @@ class DemoTest(Case):
             self.assertEqual(out[:2], ["region of 3 rectangles (left,top,right,bottom)", "  10,10,50,20  10,20,20,50  30,30,45,45"])
             self.assertEqual([l for l in out if l.startswith("==")],
                              ["== Transform<float>", "== Transform<double>", "== Transform<guarddouble>"])
-            self.assertEqual(out[-1], "picture: quillon-demo.svg")
-            root = ET.parse(os.path.join(d, "quillon-demo.svg")).getroot()
+            self.assertEqual(out[-1], "no picture (quillon demo --svg FILE draws one)")
+            self.assertEqual(os.listdir(d), [])  # no file unless asked
+            # Given only the demo's options, quillon runs the demo.
+            p = subprocess.run([TOOL, "--svg", "demo.svg"], cwd=d, capture_output=True, text=True, timeout=60)
+            self.assertEqual((p.returncode, p.stderr, p.stdout.splitlines()[-1]), (0, "", "picture: demo.svg"))
+            self.assertEqual(p.stdout.splitlines()[:-1], out[:-1])
+            root = ET.parse(os.path.join(d, "demo.svg")).getroot()
             self.assertEqual([t.text for t in root.findall(SVG + "text")][:3],
                              ["Transform<float>", "Transform<double>", "Transform<guarddouble>"])
 
@@ -283,7 +345,19 @@ class BadInputTest(Case):
         (["matrix"] + ["1"] * 15, "", "needs 16 numbers, row by row; got 15"),
         (["matrix", "1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17"], "", "got 17"),
         (["matrix"] + ["1"] * 15 + ["x"], "", "malformed number 'x'"),
-        (["map", "--move", "x:1"], "0,0,0\n1,2,x\n", "standard input, line 2: malformed number 'x'"),
+        (["map", "--move", "x:1"], "1,2,x\n", "standard input, line 1: malformed number 'x'"),
+        # The first bad field is named, read from left to right.
+        (["map"], "a,b,c\n", "line 1: malformed number 'a'"),
+        (["map", "1,b,c"], "", "point '1,b,c': malformed number 'b'"),
+        (["map", "--vector", "int", "1,2.5,x"], "", "malformed integer '2.5'"),
+        (["region", "0,a,b,c"], "", "malformed integer 'a'"),
+        # Arguments that would be ignored.
+        (["region", "--file", "rects.csv", "1,1,2,2"], "", "from the arguments or from --file, not both"),
+        (["map", "--file", "points.csv", "1,1,2"], "", "from the arguments or from --file, not both"),
+        (["map", "-", "1,2,3"], "", "'-' (standard input) cannot stand beside other points"),
+        (["info", "extra"], "", "info takes no arguments; got 'extra'"),
+        (["demo", "extra"], "", "demo takes no arguments; got 'extra'"),
+        (["map", "--file", "/nonexistent/points.csv"], "", "cannot read /nonexistent/points.csv"),
         (["region", "1,2,3"], "", "rectangle '1,2,3': expected four integers L,T,R,B, got 3"),
         (["region", "0,0,1.5,2"], "", "malformed integer '1.5'"),
         (["region", "--move", "v:1", "0,0,1,1"], "", "unknown axis 'v'"),
@@ -292,9 +366,21 @@ class BadInputTest(Case):
         (["region"], "0,0,1,1\n0,0,1\n", "standard input, line 2: expected four integers"),
         (["region", "--file", "/nonexistent/rects.txt"], "", "cannot read /nonexistent/rects.txt"),
         (["region", "--file", "/"], "", "cannot read /"),
-        (["map", "--bogus"], "", "--bogus"),
-        (["nonsense"], "", "nonsense"),
+        (["map", "--bogus"], "", "unknown option '--bogus' for map"),
+        (["nonsense"], "", "unknown command 'nonsense'"),
+        (["mpa", "1,2,3"], "", "unknown command 'mpa' (did you mean map?)"),
+        (["map", "--move"], "", "option --move needs a value (AXIS:AMOUNT)"),
+        (["region", "--turn", "--json", "0,0,1,1"], "", "option --turn needs a value (AXIS:ANGLE)"),
     ]
+
+    def test_option_errors_in_the_tools_own_words(self):
+        self.assertEqual(run("map", "--mvoe", "x:1", "1,2,3"),
+                         (2, "", "quillon: unknown option '--mvoe' (did you mean --move?)\n"))
+        self.assertEqual(run("region", "--jsno", "0,0,1,1"), (2, "", "quillon: unknown option '--jsno' (did you mean --json?)\n"))
+        # An option of another command, given where the demo runs.
+        self.assertEqual(run("--scael", "x:2"), (2, "", "quillon: unknown option '--scael' (did you mean map --scale?)\n"))
+        # Values that begin with a minus are points, not options.
+        self.assertEqual(self.lines("map", "-1,2,3", "-.5,0,0"), ["-1,2,3", "-0.5,0,0"])
 
     def test_each_gives_one_line_and_status_2(self):
         for args, stdin, message in self.CASES:
@@ -308,6 +394,20 @@ class BadInputTest(Case):
         self.assertEqual(len(err.splitlines()), 1, err)
         self.assertTrue(err.startswith("quillon: "), err)
         self.assertIn(message, err)
+
+    def test_map_streams_and_a_bad_line_stops_it(self):
+        # The points before a bad line are written as they come; to --output, nothing is.
+        self.assertEqual(run("map", "--move", "x:1", stdin="0,0,0\n1,2,x\n"),
+                         (2, "1,0,0\n", "quillon: standard input, line 2: malformed number 'x'\n"))
+        with tempfile.TemporaryDirectory() as d:
+            out = os.path.join(d, "out.txt")
+            self.assertEqual(run("map", "-o", out, "--move", "x:1", stdin="0,0,0\n1,2,x\n")[0], 2)
+            self.assertEqual(run("region", "--output", out, stdin="0,0,1,1\n1,2,x\n")[0], 2)
+            self.assertEqual(os.listdir(d), [])
+            self.assertEqual(self.ok("map", "-o", out, "--move", "x:1", "-", stdin="0,0,0\n1,2,3\n"), "")
+            with open(out) as f:
+                self.assertEqual(f.read(), "1,0,0\n2,2,3\n")
+            self.assertEqual(os.listdir(d), ["out.txt"])
 
     def test_no_picture_is_written_on_bad_input(self):
         with tempfile.TemporaryDirectory() as d:

@@ -57,13 +57,13 @@ Outcome demo()
 
 void addDemoCommand(CLI::App& app)
 {
-    auto svg = std::make_shared<std::string>("quillon-demo.svg");
+    auto svg = std::make_shared<std::string>();
     auto asJson = std::make_shared<bool>(false);
     auto* cmd = app.add_subcommand("demo", "Turn and move a region over float, double and guarddouble (what a bare quillon runs)");
     cmd->footer("Builds the identity, turns it by 30 degrees about z and moves it by 40 along x, for each\n"
                 "element type; prints each step's matrix and the rectangles of the mapped region, and draws\n"
-                "the region before and after mapping to an SVG file.");
-    cmd->add_option("--svg", *svg, "Where to write the picture")->type_name("FILE")->capture_default_str();
+                "the region before and after mapping to an SVG file if asked (--svg FILE).");
+    cmd->add_option("--svg", *svg, "Draw the region before and after mapping to an SVG file")->type_name("FILE");
     cmd->add_flag("--json", *asJson, "Print JSON");
     cmd->callback([svg, asJson] {
         std::vector<Outcome> outcomes;
@@ -77,12 +77,12 @@ void addDemoCommand(CLI::App& app)
             text += o.text;
             json += (json.empty() ? "" : ",\n") + o.json;
         }
-        writeFileAtomically(*svg, svgDocument(pictures));
+        if (!svg->empty()) writeFileAtomically(*svg, svgDocument(pictures));
         if (*asJson)
-            std::cout << "{\n  \"region\": " << jsonRects(kRegion) << ",\n  \"svg\": " << jsonString(*svg) << ",\n  \"types\": [\n"
-                      << json << "\n  ]\n}\n";
+            std::cout << "{\n  \"region\": " << jsonRects(kRegion) << ",\n  \"svg\": " << (svg->empty() ? "null" : jsonString(*svg))
+                      << ",\n  \"types\": [\n" << json << "\n  ]\n}\n";
         else
-            std::cout << text << "picture: " << *svg << "\n";
+            std::cout << text << (svg->empty() ? "no picture (quillon demo --svg FILE draws one)" : "picture: " + *svg) << "\n";
     });
 }
 

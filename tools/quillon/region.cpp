@@ -12,16 +12,48 @@
 
 namespace tool {
 
-RegionHandle makeRegion(const std::vector<Rect>& rects)
+namespace {
+void unite(RegionHandle& into, HRGN piece)
+{
+    if (!piece || CombineRgn(into.get(), into.get(), piece, RGN_OR) == ERROR) throw Failure("cannot make a region");
+}
+RegionHandle emptyRegion()
 {
     RegionHandle region(CreateRectRgn(0, 0, 0, 0));
     if (!region) throw Failure("cannot make a region");
-    for (const Rect& r : rects) {
-        const RegionHandle piece(CreateRectRgn(r[0], r[1], r[2], r[3]));
-        if (!piece || CombineRgn(region.get(), region.get(), piece.get(), RGN_OR) == ERROR)
-            throw Failure("cannot make a region");
-    }
     return region;
+}
+} // namespace
+
+RegionHandle makeRegion(const std::vector<Rect>& rects)
+{
+    RegionBuilder builder;
+    for (const Rect& r : rects) builder.add(r);
+    return builder.finish();
+}
+
+void RegionBuilder::add(const Rect& r)
+{
+    if (!batch_) batch_ = emptyRegion();
+    const RegionHandle piece(CreateRectRgn(r[0], r[1], r[2], r[3]));
+    unite(batch_, piece.get());
+    ++count_;
+    if (++inBatch_ == 1024) flush();
+}
+
+void RegionBuilder::flush()
+{
+    if (!batch_) return;
+    if (!total_) total_ = std::move(batch_);
+    else unite(total_, batch_.get());
+    batch_.reset();
+    inBatch_ = 0;
+}
+
+RegionHandle RegionBuilder::finish()
+{
+    flush();
+    return total_ ? std::move(total_) : emptyRegion();
 }
 
 std::vector<Rect> rectanglesOf(HRGN region)
@@ -188,56 +220,52 @@ std::string svgDocument(const std::vector<RegionPicture>& pictures)
 namespace {
 
 struct RegionOptions {
-    std::string type = "double", file, svg;
+    std::string type = "double", file, svg, output;
     std::vector<std::string> rects;
     bool exact = false, asJson = false;
 };
 
-// The rectangles of the arguments, or of the file, or else of standard input: one L,T,R,B per
-// line, blank lines and lines starting with # skipped.
-std::vector<Rect> readRects(const RegionOptions& o)
+// The rectangles are joined into the region as they are read, and only the region is kept; its
+// mapped rectangles are written once all are read (a union cannot be written before).
+template <class T>
+void run(const RegionOptions& o, const Steps& steps)
 {
-    std::vector<Rect> rects;
-    const auto add = [&](std::string_view text, const std::string& where) {
+    const Transform<T> t = buildTransform<T>(steps);
+    RegionBuilder builder;
+    forEachItem(o.rects, o.file, "rectangle", [&](std::string_view text, const std::string& where) {
         try {
-            rects.push_back(parseRect(text));
+            builder.add(parseRect(text));
         } catch (const BadInput& e) {
             throw BadInput(where + ": " + e.what());
         }
-    };
-    for (const auto& a : o.rects) add(a, "rectangle '" + a + "'");
-    const auto readLines = [&](std::istream& in, const std::string& name) {
-        std::string line;
-        for (int number = 1; std::getline(in, line); ++number)
-            if (!trim(line).empty() && trim(line)[0] != '#') add(line, name + ", line " + std::to_string(number));
-        if (in.bad()) throw BadInput("cannot read " + name + ": " + std::strerror(errno));
-    };
-    if (!o.file.empty()) {
-        errno = 0;
-        std::ifstream in(o.file);
-        if (!in) throw BadInput("cannot read " + o.file + ": " + std::strerror(errno ? errno : ENOENT));
-        readLines(in, o.file);
-    } else if (o.rects.empty()) {
-        readLines(std::cin, "standard input");
+    });
+    if (builder.count() == 0) throw BadInput("no rectangles: give L,T,R,B arguments, --file or lines on standard input");
+    const RegionHandle input = builder.finish();
+    RegionPicture p;
+    if (!o.svg.empty() || o.asJson) {
+        p = mapRegion(t, input.get(), std::string("Transform<") + Scalar<T>::name + ">");
+    } else {
+        const RegionHandle output(t * input.get());
+        p.after = rectanglesOf(output.get());
     }
-    if (rects.empty()) throw BadInput("no rectangles: give L,T,R,B arguments, --file or lines on standard input");
-    return rects;
-}
-
-template <class T>
-std::string run(const RegionOptions& o, const Steps& steps)
-{
-    const Transform<T> t = buildTransform<T>(steps);
-    const RegionPicture p = mapRegion(t, readRects(o), std::string("Transform<") + Scalar<T>::name + ">");
+    Output out(o.output);
     if (!o.svg.empty()) writeFileAtomically(o.svg, svgDocument({p}));
-    if (o.asJson)
-        return "{\n  \"type\": " + jsonString(Scalar<T>::name) + ",\n  \"matrix\": " + jsonMatrix(t, o.exact) +
-               ",\n  \"region\": " + jsonRects(p.before) + ",\n  \"quadrilaterals\": " + jsonQuads(p.quads) +
-               ",\n  \"result\": " + jsonRects(p.after) + "\n}\n";
-    std::string out;
-    for (const Rect& r : p.after)
-        out += std::to_string(r[0]) + "," + std::to_string(r[1]) + "," + std::to_string(r[2]) + "," + std::to_string(r[3]) + "\n";
-    return out;
+    if (o.asJson) {
+        out.write("{\n  \"type\": " + jsonString(Scalar<T>::name) + ",\n  \"matrix\": " + jsonMatrix(t, o.exact) +
+                  ",\n  \"region\": " + jsonRects(p.before) + ",\n  \"quadrilaterals\": " + jsonQuads(p.quads) +
+                  ",\n  \"result\": " + jsonRects(p.after) + "\n}\n");
+    } else {
+        for (const Rect& r : p.after)
+            out.write(std::to_string(r[0]) + "," + std::to_string(r[1]) + "," + std::to_string(r[2]) + "," +
+                      std::to_string(r[3]) + "\n");
+    }
+    out.commit();
+    if (p.after.empty()) {
+        RECT box;
+        const bool nothingGiven = GetRgnBox(input.get(), &box) == NULLREGION;
+        std::fprintf(stderr, "quillon: the mapped region is empty%s\n",
+                     nothingGiven ? " (the rectangles cover no pixel)" : " (the transform flattens it to no pixel)");
+    }
 }
 
 } // namespace
@@ -250,20 +278,20 @@ void addRegionCommand(CLI::App& app)
                 "\nThe region is the union of the rectangles L,T,R,B (the pixels L <= x < R, T <= y < B),\n"
                 "given as arguments, in a file (--file) or on standard input, one per line. Each of its\n"
                 "rectangles becomes a quadrilateral of its four mapped corners, truncated to integers,\n"
-                "and the result is their union; its rectangles are printed as L,T,R,B, one per line.\n\n"
+                "and the result is their union; its rectangles are printed as L,T,R,B, one per line.\n"
+                "An empty result prints nothing and says so on standard error.\n\n"
                 "Example: quillon region --turn z:30deg --move x:40 --svg turned.svg 10,10,50,20 10,20,20,50");
-    cmd->add_option("--type", o->type, "Element type of the transform: float, double or guarddouble")->capture_default_str();
+    cmd->add_option("--type", o->type, "Element type of the transform: float, double or guarddouble")->type_name("TYPE")->capture_default_str();
     addStepOptions(*cmd);
-    cmd->add_option("rectangles", o->rects, "Rectangles L,T,R,B");
-    cmd->add_option("--file", o->file, "Read the rectangles from a file, one L,T,R,B per line")->type_name("FILE");
+    cmd->add_option("rectangles", o->rects, "Rectangles L,T,R,B, or - for standard input (default: standard input)");
+    cmd->add_option("--file", o->file, "Read the rectangles from a file, one L,T,R,B per line (- for standard input)")->type_name("FILE");
+    cmd->add_option("--output,-o", o->output, "Write to a file, which appears only if every rectangle is good")->type_name("FILE");
     cmd->add_option("--svg", o->svg, "Draw the region before and after mapping to an SVG file")->type_name("FILE");
     cmd->add_flag("--exact", o->exact, "Print the matrix in --json output in hexadecimal (%a)");
     cmd->add_flag("--json", o->asJson, "Print JSON: the matrix, the region, the quadrilaterals and the result");
     cmd->callback([cmd, o] {
         const Steps given = givenSteps(*cmd);
-        std::string out;
-        withType(TransformTypes{}, o->type, "--type", [&](auto t) { out = run<typename decltype(t)::type>(*o, given); });
-        std::cout << out;
+        withType(TransformTypes{}, o->type, "--type", [&](auto t) { run<typename decltype(t)::type>(*o, given); });
     });
 }
 

@@ -22,6 +22,18 @@ using RegionHandle = std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDeleter>
 
 // The union of the rectangles (an empty list gives the empty region).
 RegionHandle makeRegion(const std::vector<Rect>& rects);
+// The union of rectangles given one at a time, without keeping them: they are joined in batches,
+// so that a long list costs neither a copy of itself nor one union of the whole region per line.
+class RegionBuilder {
+public:
+    void add(const Rect& r);
+    std::size_t count() const { return count_; }
+    RegionHandle finish(); // the union of everything added
+private:
+    void flush();
+    RegionHandle total_, batch_;
+    std::size_t count_ = 0, inBatch_ = 0;
+};
 // The region's rectangles in the platform's banded order; none for a null handle.
 std::vector<Rect> rectanglesOf(HRGN region);
 // "L,T,R,B" as four integers.
@@ -36,11 +48,10 @@ struct RegionPicture {
 };
 
 template <class T>
-RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string caption)
+RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string caption)
 {
     RegionPicture p{std::move(caption), {}, {}, {}};
-    const RegionHandle input = makeRegion(rects);
-    p.before = rectanglesOf(input.get());
+    p.before = rectanglesOf(input);
     // The quadrilaterals the mapping joins: each corner mapped as a ThreeDVector<double> with
     // z = 0, truncated toward zero.
     const auto corner = [&t](int x, int y) {
@@ -49,9 +60,16 @@ RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, s
     };
     for (const Rect& r : p.before)
         p.quads.push_back({corner(r[0], r[1]), corner(r[2], r[1]), corner(r[2], r[3]), corner(r[0], r[3])});
-    const RegionHandle output(t * input.get());
+    const RegionHandle output(t * input);
     p.after = rectanglesOf(output.get());
     return p;
+}
+
+template <class T>
+RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string caption)
+{
+    const RegionHandle input = makeRegion(rects);
+    return mapRegion(t, input.get(), std::move(caption));
 }
 
 std::string jsonRects(const std::vector<Rect>& rects);
