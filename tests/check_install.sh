@@ -23,6 +23,10 @@ done
 info=$(env -i "$prefix/bin/quillon" info) || fail "quillon info does not run from the installed tree"
 grep -q "105 exported names" <<<"$info" || fail "quillon info: no 105 exported names"
 
+# Its manual page, with a section for each command, and its bash completion.
+grep -q '^\.SS "quillon region"' "$prefix/share/man/man1/quillon.1" || fail "no manual page with the commands"
+grep -q "complete -F _quillon quillon" "$prefix/share/bash-completion/completions/quillon" || fail "no bash completion"
+
 # Moved elsewhere, the tree still works: nothing in it names the prefix it was installed to.
 mv "$prefix" "$work/moved"
 prefix=$work/moved

@@ -423,6 +423,25 @@ class BadInputTest(Case):
             self.assertIn(f"Usage: quillon {command}", self.ok(command, "--help"))
 
 
+class CompletionTest(Case):
+    SCRIPT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "tools", "quillon", "quillon.bash")
+
+    def complete(self, *words):
+        probe = ('source "$0"; COMP_WORDS=("$@"); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _quillon; '
+                 'printf "%s\\n" "${COMPREPLY[@]}"')
+        p = subprocess.run(["bash", "-c", probe, self.SCRIPT, "quillon", *words], capture_output=True, text=True)
+        self.assertEqual(p.returncode, 0, p.stderr)
+        return sorted(filter(None, p.stdout.splitlines()))
+
+    def test_each_commands_options_are_those_of_its_help(self):
+        for command in ["map", "matrix", "region", "info", "demo"]:
+            helped = sorted(set(re.findall(r"--[a-z]+", self.ok(command, "--help").split("Options:")[1].split("\n\n")[0])))
+            self.assertEqual(self.complete(command, "--"), helped, command)
+        self.assertEqual(self.complete("re"), ["region"])
+        self.assertEqual(self.complete("map", "--vector", "guard"), ["guarddouble", "guardfloat", "guardint"])
+        self.assertEqual(self.complete("region", "--type", ""), ["double", "float", "guarddouble"])
+
+
 if __name__ == "__main__":
     TOOL, MEMBERS = os.path.abspath(sys.argv[1]), sys.argv[2]
     unittest.main(argv=sys.argv[:1], verbosity=1)
