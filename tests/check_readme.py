@@ -1,16 +1,52 @@
 #!/usr/bin/env python3
-"""The C++ programs of a Markdown file compile and print what the file says they print.
+"""The programs and the example commands of a Markdown file print what the file says they print.
 
 A ```cpp block with a main function is a program; the next fenced block must be a ```text block
 with its exact output. Each program is compiled with the given compiler and flags, linked, run, and
 its standard output compared with that block. Blocks without main are fragments and not checked.
 
-usage: check_readme.py README.md WORK_DIR COMPILER [FLAG...]
+A block whose first line starts with "$ quillon" is a session: each "$ quillon ..." line is run
+with the given tool and must print the lines under it (standard output, then standard error); a
+trailing "# comment" is not part of a line, and "# exit status N" is the status it must give.
+
+usage: check_readme.py README.md WORK_DIR QUILLON COMPILER [FLAG...]
 """
 import os
 import re
+import shlex
 import subprocess
 import sys
+
+COMMENT = re.compile(r"\s{2,}#\s*(.*)$")
+
+
+def check_session(body, tool, where):
+    """Failures of the commands of one session block."""
+    failures, command, expected, status = [], None, [], 0
+
+    def finish():
+        if command is None:
+            return
+        p = subprocess.run([tool, *command[1:]], capture_output=True, text=True, timeout=60)
+        got = (p.stdout + p.stderr).splitlines()
+        if (p.returncode, got) != (status, expected):
+            failures.append(f"{where}: $ {shlex.join(command)}\n  gives status {p.returncode} and\n    " +
+                            "\n    ".join(got) + f"\n  where the text says status {status} and\n    " +
+                            "\n    ".join(expected))
+
+    for line in body.splitlines():
+        comment = COMMENT.search(line)
+        text = line[:comment.start()] if comment else line
+        if text.startswith("$ "):
+            finish()
+            command, expected, status = shlex.split(text[2:]), [], 0
+        else:
+            expected.append(text)
+        m = comment and re.fullmatch(r"exit status (\d+)", comment.group(1))
+        if m:
+            status = int(m.group(1))
+    finish()
+    return failures
 
 FENCE = re.compile(r"^```(\S*)\s*$")
 
@@ -33,11 +69,15 @@ def blocks(text):
 
 
 def main():
-    readme, work, compiler, flags = sys.argv[1], sys.argv[2], sys.argv[3], sys.argv[4:]
+    readme, work, tool, compiler, flags = sys.argv[1], sys.argv[2], sys.argv[3], sys.argv[4], sys.argv[5:]
     os.makedirs(work, exist_ok=True)
     found = blocks(open(readme, encoding="utf-8").read())
-    failures, programs = [], 0
+    failures, programs, sessions = [], 0, 0
     for k, (line, info, body) in enumerate(found):
+        if body.startswith("$ quillon"):
+            sessions += 1
+            failures += check_session(body, tool, f"{os.path.basename(readme)}, the session at line {line}")
+            continue
         if info != "cpp" or not re.search(r"\bint\s+main\s*\(", body):
             continue
         programs += 1
@@ -59,11 +99,11 @@ def main():
             failures.append(f"{where} exits with status {ran.returncode}:\n{ran.stderr}")
         elif ran.stdout != expected:
             failures.append(f"{where} prints\n{ran.stdout}where the text says\n{expected}")
-    if programs == 0:
-        failures.append(f"{readme}: no programs found")
+    if programs == 0 or sessions == 0:
+        failures.append(f"{readme}: {programs} programs and {sessions} sessions found")
     for f in failures:
         print(f, file=sys.stderr)
-    print(f"{programs} programs, {len(failures)} failures")
+    print(f"{programs} programs, {sessions} sessions, {len(failures)} failures")
     return 1 if failures else 0
 
 
