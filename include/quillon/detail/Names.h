@@ -9,6 +9,7 @@
 
 #include <quillon/Transform>
 
+/// Quillon's names outside its classes: the readable names of the members of Transform<T>.
 namespace quillon {
 
 namespace detail {
