@@ -193,17 +193,47 @@ SVG = "{http://www.w3.org/2000/svg}"
 SQUARE_45 = ["--turn", "z:45deg", "0,0,10,10"]
 
 
-def svg_groups(root):
-    """The picture's panels: for each, the mapped region's rectangles, the quadrilaterals and the
-    outline segments, in the region's own coordinates."""
+def rects_of(group):
+    """The rectangles of a group of filled paths (M l t H r V b H l Z) or of <rect> elements."""
+    if group is None:
+        return []
+    out = []
+    for e in group:
+        if e.tag == SVG + "path":
+            out += [[int(v) for v in m] for m in re.findall(r"M(-?\d+) (-?\d+)H(-?\d+)V(-?\d+)H-?\d+Z", e.get("d"))]
+        elif e.tag == SVG + "rect":
+            x, y, w, h = (float(e.get(k)) for k in ("x", "y", "width", "height"))
+            out.append([int(x), int(y), int(x + w), int(y + h)])
+    return out
+
+
+def svg_panels(root):
+    """The picture's panels: title, subtitle, the rectangles of each kind of shape in region
+    coordinates, the empty note, the tick labels with their screen positions, and the mapping from
+    region coordinates to the screen."""
     panels = []
-    for g in root.findall(SVG + "g"):
-        parts = {e.get("class"): e for e in g}
-        rects = [[int(float(r.get(k))) for k in ("x", "y", "width", "height")] for r in parts["mapped-region"]]
-        quads = [[[int(v) for v in p.split(",")] for p in q.get("points").split()] for q in parts["mapped-quadrilaterals"]]
-        outline = {tuple(int(v) for v in m) for m in re.findall(r"M(-?\d+) (-?\d+)L(-?\d+) (-?\d+)", parts["region-outline"].get("d"))}
-        panels.append(([[x, y, x + w, y + h] for x, y, w, h in rects], quads, outline))
+    for g in root.iter(SVG + "g"):
+        if g.get("class") != "panel":
+            continue
+        find = lambda c: next((e for e in g.iter() if e.get("class") == c), None)
+        text = lambda c: (find(c).text if find(c) is not None else None)
+        shapes = find("shapes")
+        a, b, scale, c, d = map(float, re.fullmatch(r"translate\((\S+) (\S+)\) scale\((\S+)\) translate\((\S+) (\S+)\)",
+                                                      shapes.get("transform")).groups())
+        panels.append({
+            "title": text("title"), "subtitle": text("subtitle"),
+            "mapped": rects_of(find("mapped-region")), "given": rects_of(find("given-rectangles")),
+            "given-region": rects_of(find("given-region")), "marked": rects_of(find("marked-pixels")),
+            "lacking": rects_of(find("lacking-pixels")), "empty": find("empty-note") is not None,
+            "x-labels": [(float(e.text), float(e.get("x"))) for e in g.iter() if e.get("class") == "x-label"],
+            "y-labels": [(float(e.text), float(e.get("y"))) for e in g.iter() if e.get("class") == "y-label"],
+            "to-screen": lambda x, y, a=a, b=b, s=scale, c=c, d=d: (a + s * (x + c), b + s * (y + d)),
+        })
     return panels
+
+
+def pixels(rects):
+    return {(x, y) for l, t, r, b in rects for x in range(l, r) for y in range(t, b)}
 
 
 class RegionTest(Case):
@@ -271,16 +301,41 @@ class RegionTest(Case):
             doc = json.loads(self.ok("region", "--json", "--svg", path, *SQUARE_45))
             root = ET.parse(path).getroot()
             self.assertEqual(root.tag, SVG + "svg")
-            self.assertEqual(len(root.get("viewBox").split()), 4)
-            [(rects, quads, outline)] = svg_groups(root)
-            self.assertEqual((rects, quads), (doc["result"], doc["quadrilaterals"]))
-            self.assertEqual(outline, {(0, 0, 10, 0), (0, 10, 10, 10), (0, 0, 0, 10), (10, 0, 10, 10)})
-            # The outline of an L of two rectangles: where the bands meet, only the step is drawn.
-            self.ok("region", "--svg", path, "0,0,4,1", "0,1,1,4")
-            [(_, _, outline)] = svg_groups(ET.parse(path).getroot())
-            self.assertEqual(outline, {(0, 0, 4, 0), (1, 1, 4, 1), (0, 4, 1, 4), (0, 0, 0, 1), (4, 0, 4, 1),
-                                       (0, 1, 0, 4), (1, 1, 1, 4)})
+            [panel] = svg_panels(root)
+            self.assertEqual(panel["title"], "Transform<double>: turn z:45deg")
+            self.assertEqual(panel["mapped"], doc["result"])  # the mapped region, rectangle for rectangle
+            self.assertEqual(panel["given"], [[0, 0, 10, 10]])  # the rectangle as given
+            self.assertFalse(panel["empty"])
+            # The tick labels sit where their coordinates are drawn; y grows downward.
+            for labels, axis in [(panel["x-labels"], 0), (panel["y-labels"], 1)]:
+                self.assertGreaterEqual(len(labels), 3)
+                for value, place in labels:
+                    point = (value, 0) if axis == 0 else (0, value)
+                    self.assertAlmostEqual(panel["to-screen"](*point)[axis] + (4 if axis else 0), place, places=1)
+            ys = [place for _, place in sorted(panel["y-labels"])]
+            self.assertEqual(ys, sorted(ys))
             self.assertEqual(sorted(os.listdir(d)), ["turned.svg"])  # no temporary file left
+
+    def test_svg_of_many_far_and_empty_results(self):
+        with tempfile.TemporaryDirectory() as d:
+            path = os.path.join(d, "out.svg")
+            # Beyond 200 rectangles they are not outlined one by one; their union is drawn instead.
+            many = [f"{k},{k % 7},{k + 3},{k % 7 + 2}" for k in range(0, 402, 2)]
+            doc = json.loads(self.ok("region", "--json", "--svg", path, "--move", "y:1", *many))
+            [panel] = svg_panels(ET.parse(path).getroot())
+            self.assertEqual((panel["given"], panel["given-region"]), ([], doc["region"]))
+            self.assertEqual(panel["mapped"], doc["result"])
+            # Far from its input, the result gets a panel of its own, with its own axes.
+            doc = json.loads(self.ok("region", "--json", "--svg", path, "--move", "x:100000", "0,0,40,30"))
+            before, after = svg_panels(ET.parse(path).getroot())
+            self.assertEqual((before["given"], before["mapped"]), ([[0, 0, 40, 30]], []))
+            self.assertEqual((after["given"], after["mapped"]), ([], doc["result"]))
+            self.assertTrue(all(-10 <= v <= 50 for v, _ in before["x-labels"]))
+            self.assertTrue(all(99990 <= v <= 100050 for v, _ in after["x-labels"]))
+            # An empty result is said in the picture too.
+            self.assertEqual(run("region", "--svg", path, "--turn", "x:90deg", "0,0,10,10")[0], 0)
+            [panel] = svg_panels(ET.parse(path).getroot())
+            self.assertEqual((panel["empty"], panel["mapped"], panel["given"]), (True, [], [[0, 0, 10, 10]]))
 
 
 class DemoTest(Case):
@@ -299,14 +354,22 @@ class DemoTest(Case):
             self.assertEqual((p.returncode, p.stderr, p.stdout.splitlines()[-1]), (0, "", "picture: demo.svg"))
             self.assertEqual(p.stdout.splitlines()[:-1], out[:-1])
             root = ET.parse(os.path.join(d, "demo.svg")).getroot()
-            self.assertEqual([t.text for t in root.findall(SVG + "text")][:3],
-                             ["Transform<float>", "Transform<double>", "Transform<guarddouble>"])
+            self.assertEqual([p["title"] for p in svg_panels(root)],
+                             [f"Transform<{t}>: turn z 30deg, move x 40" for t in ["float", "double", "guarddouble"]])
 
     def test_json_steps_and_pictures(self):
         with tempfile.TemporaryDirectory() as d:
             path = os.path.join(d, "demo.svg")
             doc = json.loads(self.ok("demo", "--json", "--svg", path))
-            panels = svg_groups(ET.parse(path).getroot())
+            panels = svg_panels(ET.parse(path).getroot())
+        # The pixels on which the element types disagree are marked in every panel: filled where that
+        # type's result has them, outlined where it lacks them.
+        results = [pixels(entry["result"]) for entry in doc["types"]]
+        disagree = set().union(*results) - set.intersection(*results)
+        self.assertTrue(disagree)
+        for panel, own in zip(panels, results):
+            self.assertEqual(pixels(panel["marked"]), disagree & own)
+            self.assertEqual(pixels(panel["lacking"]), disagree - own)
         self.assertEqual(doc["region"], [[10, 10, 50, 20], [10, 20, 20, 50], [30, 30, 45, 45]])
         c, s = math.cos(0.5235987755982988), math.sin(0.5235987755982988)
         as_float = lambda v: struct.unpack("f", struct.pack("f", v))[0]
@@ -316,7 +379,7 @@ class DemoTest(Case):
             turned = [[rounded(c), rounded(-s), 0, 0], [rounded(s), rounded(c), 0, 0], [0, 0, 1, 0], [0, 0, 0, 1]]
             moved = [turned[0][:3] + [40]] + turned[1:]
             self.assertEqual(steps, [identity, turned, moved], entry["type"])
-            self.assertEqual((panel[0], panel[1]), (entry["result"], entry["quadrilaterals"]))
+            self.assertEqual(panel["mapped"], entry["result"])
             # The region command with the same steps gives the same region.
             region = json.loads(self.ok("region", "--json", "--type", entry["type"], "--turn", "z:0.5235987755982988",
                                         "--move", "x:40", "10,10,50,20", "10,20,20,50", "30,30,45,45"))

@@ -39,18 +39,25 @@ std::vector<Rect> rectanglesOf(HRGN region);
 // "L,T,R,B" as four integers.
 Rect parseRect(std::string_view text);
 
-// One region before and after a transform.
+// One region before and after a transform, and what its picture shows.
 struct RegionPicture {
-    std::string caption;
+    std::string title;        // the element type and the transform
+    std::vector<Rect> given;  // the user's own rectangles, drawn as outlines (none: too many to draw)
     std::vector<Rect> before; // the input region's rectangles
     std::vector<Quad> quads;  // each of them mapped: top left, top right, bottom right, bottom left
     std::vector<Rect> after;  // the rectangles of the mapped region
+    std::vector<Rect> marked;  // pixels of the result to point out, such as where element types disagree
+    std::vector<Rect> lacking; // pixels to point out that the result does not have
 };
 
+// Up to this many rectangles are drawn one by one; beyond it, the outline of their union.
+constexpr std::size_t kMostRectanglesDrawn = 200;
+
 template <class T>
-RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string caption)
+RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string title)
 {
-    RegionPicture p{std::move(caption), {}, {}, {}};
+    RegionPicture p;
+    p.title = std::move(title);
     p.before = rectanglesOf(input);
     // The quadrilaterals the mapping joins: each corner mapped as a ThreeDVector<double> with
     // z = 0, truncated toward zero.
@@ -66,17 +73,21 @@ RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string caption)
 }
 
 template <class T>
-RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string caption)
+RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string title)
 {
     const RegionHandle input = makeRegion(rects);
-    return mapRegion(t, input.get(), std::move(caption));
+    RegionPicture p = mapRegion(t, input.get(), std::move(title));
+    if (rects.size() <= kMostRectanglesDrawn) p.given = rects;
+    return p;
 }
 
 std::string jsonRects(const std::vector<Rect>& rects);
 std::string jsonQuads(const std::vector<Quad>& quads);
-// Pictures side by side, each with its caption: the input region's outline dashed, the mapped
-// quadrilaterals in red, the pixels of the mapped region in blue.
-std::string svgDocument(const std::vector<RegionPicture>& pictures);
+// Pictures side by side, each in its own coordinates with axes (y downward, as on screen): the
+// user's rectangles as dashed outlines (the outline of their union when there are many), the
+// mapped region as one filled area, marked pixels circled, and a note for an empty result. A
+// picture whose result lies far from its input gets two panels, before and after.
+std::string svgDocument(const std::vector<RegionPicture>& pictures, const std::string& note = "");
 
 } // namespace tool
 
