@@ -1,17 +1,29 @@
 #!/usr/bin/env bash
-# Installs the build into a temporary prefix and builds a separate consumer against it, once with
-# CMake's find_package and once with pkg-config. Both programs must run with an empty environment
-# (no LD_LIBRARY_PATH: the installed libraries find each other), and both ways must hand the
-# compiler the same exactness flags.
-# usage: check_install.sh BUILD_DIR SOURCE_DIR
+# Installs the build into a temporary prefix, or with "deb" makes the Debian package and extracts
+# it into a scratch root (dpkg -x), and builds a separate consumer against it, once with CMake's
+# find_package and once with pkg-config. Both programs must run with an empty environment (no
+# LD_LIBRARY_PATH: the installed libraries find each other), and both ways must hand the compiler
+# the same exactness flags.
+# usage: check_install.sh BUILD_DIR SOURCE_DIR [deb]
 set -euo pipefail
-build=$1 source=$2
+build=$1 source=$2 how=${3:-install}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 fail() { echo "check_install: $*" >&2; exit 1; }
 
-cmake --install "$build" --prefix "$work/prefix" >/dev/null
-prefix=$work/prefix
+if [ "$how" = deb ]; then
+  (cd "$work" && cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/package" >/dev/null)
+  version=$(sed -n 's/^CMAKE_PROJECT_VERSION:[A-Z]*=//p' "$build/CMakeCache.txt")
+  deb=$work/package/quillon_${version}_$(dpkg --print-architecture).deb
+  [ -f "$deb" ] || fail "no $(basename "$deb"): $(ls "$work/package")"
+  [ "$(dpkg-deb -f "$deb" Package Version | tr '\n' ' ')" = "Package: quillon Version: $version " ] ||
+    fail "package fields: $(dpkg-deb -f "$deb" Package Version)"
+  dpkg -x "$deb" "$work/root"
+  prefix=$work/root/usr
+else
+  cmake --install "$build" --prefix "$work/prefix" >/dev/null
+  prefix=$work/prefix
+fi
 test -f "$prefix/include/quillon/Transform" || fail "no include/quillon/Transform"
 test -f "$prefix/lib/pkgconfig/quillon.pc" || fail "no lib/pkgconfig/quillon.pc"
 grep -q "MIT License" "$prefix/share/doc/quillon/LICENSE" || fail "no MIT license in share/doc/quillon"
