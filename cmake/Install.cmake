@@ -19,8 +19,25 @@ install(FILES ${PROJECT_BINARY_DIR}/QuillonConfig.cmake ${PROJECT_BINARY_DIR}/Qu
 
 # The .pc file finds its prefix from its own place, so the installed tree can be moved.
 file(RELATIVE_PATH QUILLON_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  set(QUILLON_PC_EXTRA_CFLAGS -fno-tree-slp-vectorize)
-endif()
+# The same exactness flags as the CMake target Quillon::exactness.
+list(JOIN QUILLON_EXACTNESS_FLAGS " " QUILLON_PC_EXACTNESS_FLAGS)
 configure_file(cmake/quillon.pc.in ${PROJECT_BINARY_DIR}/quillon.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quillon.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/quillon)
+
+# cpack -G DEB: quillon_<version>_<arch>.deb with the libraries, headers, CMake and pkg-config
+# files, the tool with its manual page and completion, and the license; installed under /usr.
+set(CPACK_PACKAGE_NAME quillon)
+set(CPACK_PACKAGE_VENDOR "The Quillon developers")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER "The Quillon developers")
+set(CPACK_DEBIAN_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libstdc++6, libgcc-s1, libpixman-1-0")
+include(CPack)

@@ -1,6 +1,6 @@
 // A first look at Quillon: build a transform, turn and move it, map a point through it, and see
 // how the guard scalars saturate instead of overflowing.
-#include <quillon/Transform>
+#include <quillon/Names>
 
 #include <cstdio>
 
@@ -14,7 +14,7 @@ template <class T>
 void print(const char* title, const Transform<T>& t)
 {
     T e[16]{};
-    t.Function_2416(e);
+    quillon::elements(t, e); // t.Function_2416(e)
     std::printf("%s\n", title);
     for (int r = 0; r < 4; ++r)
         std::printf("  [ %9.5f %9.5f %9.5f %9.5f ]\n", shown(e[4 * r]), shown(e[4 * r + 1]),
@@ -27,9 +27,9 @@ int main()
 {
     Transform<double> t;              // the identity
     print("identity", t);
-    t.Function_2424(0.5235987755982988); // turn 30 degrees about z
+    quillon::turnZ(t, 0.5235987755982988); // turn 30 degrees about z (Function_2424)
     print("after a turn of 30 degrees about z", t);
-    t.Function_2428('x', 10.0);       // then move 10 along x
+    quillon::move(t, 'x', 10.0);           // then move 10 along x (Function_2428)
     print("after a move of 10 along x", t);
 
     const ThreeDVector<double> p = t * ThreeDVector<double>(1.0, 0.0, 0.0);

@@ -1,6 +1,6 @@
 // Uses the installed library: turns a point a quarter turn about z, moves it, and checks the
 // result against what the arithmetic must give. Exit status 0 when all holds.
-#include <quillon/Transform>
+#include <quillon/Names>
 
 #include <cmath>
 #include <cstdio>
@@ -8,8 +8,8 @@
 int main()
 {
     Transform<double> t;
-    t.Function_2424(std::acos(-1.0) / 2); // a quarter turn about z
-    t.Function_2428('y', 3.0);             // then up 3
+    quillon::turnZ(t, std::acos(-1.0) / 2); // a quarter turn about z (Function_2424)
+    quillon::move(t, 'y', 3.0);             // then up 3 (Function_2428)
     const ThreeDVector<int> p = t * ThreeDVector<int>(2, 0, 0);
     const ThreeDVector<guardint> q = t * ThreeDVector<guardint>(2, 0, 0);
     guarddouble limit = guarddouble(1.0) / guarddouble(0.0);

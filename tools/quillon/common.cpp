@@ -171,4 +171,98 @@ void writeFileAtomically(const std::string& path, const std::string& content)
     }
 }
 
+namespace {
+std::string temporaryBeside(const std::string& path)
+{
+    const auto slash = path.rfind('/');
+    return (slash == std::string::npos ? std::string() : path.substr(0, slash + 1)) + ".quillon-XXXXXX";
+}
+} // namespace
+
+Output::Output(const std::string& path) : path_(path)
+{
+    if (path.empty()) {
+        file_ = stdout;
+        return;
+    }
+    temporary_ = temporaryBeside(path);
+    const int fd = mkstemp(temporary_.data());
+    if (fd < 0) throw BadInput("cannot write " + path + ": " + std::strerror(errno));
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    ::fchmod(fd, 0666 & ~mask); // as an ordinary new file, not mkstemp's 0600
+    file_ = ::fdopen(fd, "w");
+    if (!file_) {
+        const int saved = errno;
+        ::close(fd);
+        std::remove(temporary_.c_str());
+        throw BadInput("cannot write " + path + ": " + std::strerror(saved));
+    }
+}
+
+Output::~Output()
+{
+    if (file_ && file_ != stdout) {
+        std::fclose(file_);
+        std::remove(temporary_.c_str());
+    }
+}
+
+void Output::write(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), file_) != text.size())
+        throw BadInput("cannot write " + (path_.empty() ? std::string("standard output") : path_) + ": " + std::strerror(errno));
+}
+
+void Output::commit()
+{
+    if (file_ == stdout) {
+        if (std::fflush(stdout) != 0) throw BadInput(std::string("cannot write standard output: ") + std::strerror(errno));
+        return;
+    }
+    std::FILE* file = file_;
+    file_ = nullptr;
+    const bool written = std::fflush(file) == 0 && !std::ferror(file);
+    const int error = errno;
+    if (std::fclose(file) != 0 || !written || std::rename(temporary_.c_str(), path_.c_str()) != 0) {
+        const int saved = !written ? error : errno;
+        std::remove(temporary_.c_str());
+        throw BadInput("cannot write " + path_ + ": " + std::strerror(saved));
+    }
+}
+
+LineReader::LineReader(const std::string& path) : name_(path == "-" ? "standard input" : path)
+{
+    if (path == "-") {
+        file_ = stdin;
+        return;
+    }
+    errno = 0;
+    file_ = std::fopen(path.c_str(), "r");
+    if (!file_) throw BadInput("cannot read " + path + ": " + std::strerror(errno ? errno : ENOENT));
+}
+
+LineReader::~LineReader()
+{
+    std::free(buffer_);
+    if (file_ && file_ != stdin) std::fclose(file_);
+}
+
+bool LineReader::next(std::string_view& line)
+{
+    for (;;) {
+        errno = 0;
+        const ssize_t n = ::getline(&buffer_, &capacity_, file_);
+        if (n < 0) {
+            if (std::ferror(file_)) throw BadInput("cannot read " + name_ + ": " + std::strerror(errno ? errno : EIO));
+            return false;
+        }
+        ++number_;
+        line = trim(std::string_view(buffer_, static_cast<std::size_t>(n)));
+        if (!line.empty() && line[0] != '#') return true;
+    }
+}
+
+std::string LineReader::where() const { return name_ + ", line " + std::to_string(number_); }
+
 } // namespace tool

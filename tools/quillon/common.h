@@ -6,6 +6,8 @@
 
 #include <quillon/Transform>
 
+#include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -63,6 +65,64 @@ std::string jsonArray(const Range& items, F&& item)
 // Writes the whole content to path through a temporary file in the same folder and a rename, so
 // that a failure leaves no partial file behind.
 void writeFileAtomically(const std::string& path, const std::string& content);
+
+// A command's text output, written as it is made: to standard output, or to a file (--output)
+// that appears only when the command succeeds. The file is written as a temporary beside it and
+// renamed by commit(); an output destroyed without commit() removes its temporary.
+class Output {
+public:
+    explicit Output(const std::string& path); // empty: standard output
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    ~Output();
+    void write(std::string_view text);
+    void commit();
+
+private:
+    std::string path_, temporary_;
+    std::FILE* file_ = nullptr;
+};
+
+// The lines of a file, or of standard input for "-", one at a time; blank lines and lines starting
+// with # are skipped. A line that cannot be read is bad input.
+class LineReader {
+public:
+    explicit LineReader(const std::string& path);
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+    ~LineReader();
+    // The next line with content, trimmed; false at the end.
+    bool next(std::string_view& line);
+    // "standard input, line 3" or "rects.csv, line 3": where the last line came from.
+    std::string where() const;
+
+private:
+    std::string name_;
+    std::FILE* file_ = nullptr;
+    char* buffer_ = nullptr;
+    std::size_t capacity_ = 0;
+    long number_ = 0;
+};
+
+// The source of a command's items: its arguments, or else --file (or a lone "-": standard input),
+// or else standard input. Arguments together with --file are bad input: one of them would be
+// ignored. Calls f(text, where) for each item, in order.
+template <class F>
+void forEachItem(const std::vector<std::string>& arguments, const std::string& file, const char* what, F&& f)
+{
+    if (!arguments.empty() && !file.empty())
+        throw BadInput(std::string(what) + "s come from the arguments or from --file, not both; got " +
+                       std::to_string(arguments.size()) + " argument" + (arguments.size() == 1 ? "" : "s") +
+                       " and --file " + file);
+    if (arguments.size() > 1 && std::find(arguments.begin(), arguments.end(), "-") != arguments.end())
+        throw BadInput("'-' (standard input) cannot stand beside other " + std::string(what) + "s");
+    if (!arguments.empty() && arguments[0] != "-") {
+        for (const auto& a : arguments) f(std::string_view(a), std::string(what) + " '" + a + "'");
+        return;
+    }
+    LineReader lines(file.empty() ? "-" : file);
+    for (std::string_view line; lines.next(line);) f(line, lines.where());
+}
 
 // ---- Element types ----
 
@@ -187,8 +247,8 @@ std::string jsonMatrix(const Transform<T>& t, bool exact)
 
 // ---- Commands ----
 
-// Each adds its subcommand; the subcommand's callback computes the whole output first and writes
-// it only when nothing went wrong.
+// Each adds its subcommand. map streams: it reads and writes one point at a time. The others read
+// all their input before they write anything.
 void addMapCommand(CLI::App& app);
 void addMatrixCommand(CLI::App& app);
 void addInfoCommand(CLI::App& app);

@@ -3,39 +3,21 @@
 
 #include <CLI/CLI.hpp>
 
-#include <iostream>
 
 namespace tool {
 namespace {
 
+// X,Y,Z, the fields read from left to right, so that an error names the first bad one.
 template <class B>
 ThreeDVector<B> parsePoint(std::string_view text)
 {
     const auto f = split(text, ',');
     if (f.size() != 3)
         throw BadInput("expected three numbers X,Y,Z, got " + std::to_string(f.size()));
-    return ThreeDVector<B>(Scalar<B>::parse(f[0]), Scalar<B>::parse(f[1]), Scalar<B>::parse(f[2]));
-}
-
-// The points of the arguments, or else one per line of standard input (blank lines and lines
-// starting with # are skipped). An error names the argument or line it comes from.
-template <class B>
-std::vector<ThreeDVector<B>> readPoints(const std::vector<std::string>& arguments)
-{
-    std::vector<ThreeDVector<B>> points;
-    const auto add = [&](std::string_view text, const std::string& where) {
-        try {
-            points.push_back(parsePoint<B>(text));
-        } catch (const BadInput& e) {
-            throw BadInput(where + ": " + e.what());
-        }
-    };
-    for (const auto& a : arguments) add(a, "point '" + a + "'");
-    if (!arguments.empty()) return points;
-    std::string line;
-    for (int number = 1; std::getline(std::cin, line); ++number)
-        if (!trim(line).empty() && trim(line)[0] != '#') add(line, "standard input, line " + std::to_string(number));
-    return points;
+    const B x = Scalar<B>::parse(f[0]);
+    const B y = Scalar<B>::parse(f[1]);
+    const B z = Scalar<B>::parse(f[2]);
+    return ThreeDVector<B>(x, y, z);
 }
 
 template <class B>
@@ -47,28 +29,39 @@ std::string formatPoint(const ThreeDVector<B>& p, bool exact, bool asJson)
 }
 
 struct MapOptions {
-    std::string type = "double", vector;
+    std::string type = "double", vector, file, output;
     std::vector<std::string> points;
     bool exact = false, asJson = false;
 };
 
+// Reads, maps and writes one point at a time: the memory taken does not grow with the input. An
+// error stops the command where it is; the lines before it are written (to --output, nothing).
 template <class T, class B>
-std::string run(const MapOptions& o, const Steps& steps)
+void run(const MapOptions& o, const Steps& steps)
 {
     const Transform<T> t = buildTransform<T>(steps);
-    const auto points = readPoints<B>(o.points);
-    std::string out;
-    for (const auto& p : points) {
+    Output out(o.output);
+    if (o.asJson)
+        out.write("{\n  \"type\": " + jsonString(Scalar<T>::name) + ",\n  \"vector\": " + jsonString(Scalar<B>::name) +
+                  ",\n  \"matrix\": " + jsonMatrix(t, o.exact) + ",\n  \"points\": [");
+    bool first = true;
+    forEachItem(o.points, o.file, "point", [&](std::string_view text, const std::string& where) {
+        ThreeDVector<B> p;
+        try {
+            p = parsePoint<B>(text);
+        } catch (const BadInput& e) {
+            throw BadInput(where + ": " + e.what());
+        }
         const ThreeDVector<B> image = t * p;
         if (o.asJson)
-            out += std::string(out.empty() ? "" : ",\n") + "    {\"in\": " + formatPoint(p, o.exact, true) +
-                   ", \"out\": " + formatPoint(image, o.exact, true) + "}";
+            out.write(std::string(first ? "\n" : ",\n") + "    {\"in\": " + formatPoint(p, o.exact, true) +
+                      ", \"out\": " + formatPoint(image, o.exact, true) + "}");
         else
-            out += formatPoint(image, o.exact, false) + "\n";
-    }
-    if (!o.asJson) return out;
-    return "{\n  \"type\": " + jsonString(Scalar<T>::name) + ",\n  \"vector\": " + jsonString(Scalar<B>::name) +
-           ",\n  \"matrix\": " + jsonMatrix(t, o.exact) + ",\n  \"points\": [\n" + out + (out.empty() ? "" : "\n") + "  ]\n}\n";
+            out.write(formatPoint(image, o.exact, false) + "\n");
+        first = false;
+    });
+    if (o.asJson) out.write(first ? "]\n}\n" : "\n  ]\n}\n");
+    out.commit();
 }
 
 } // namespace
@@ -78,26 +71,27 @@ void addMapCommand(CLI::App& app)
     auto o = std::make_shared<MapOptions>();
     auto* map = app.add_subcommand("map", "Build a transform from the options, in the order given, and map points");
     map->footer(std::string(kStepsHelp) +
-                "Points are X,Y,Z arguments, or else CSV lines X,Y,Z on standard input; each image is\n"
-                "printed as X,Y,Z in the points' element type.\n\n"
+                "Points are X,Y,Z arguments, or CSV lines X,Y,Z of a file (--file) or of standard input\n"
+                "(no arguments, or -); blank lines and lines starting with # are skipped. Each image is\n"
+                "printed as X,Y,Z in the points' element type, one line per point, as it is read.\n\n"
                 "Example: quillon map --turn z:90deg --move x:10 1,0,0");
-    map->add_option("--type", o->type, "Element type of the transform: float, double or guarddouble")->capture_default_str();
+    map->add_option("--type", o->type, "Element type of the transform: float, double or guarddouble")->type_name("TYPE")->capture_default_str();
     map->add_option("--vector", o->vector,
-                    "Element type of the points: int, float, double, guardint, guardfloat or guarddouble (default: as --type)");
+                    "Element type of the points: int, float, double, guardint, guardfloat or guarddouble (default: as --type)")->type_name("TYPE");
     addStepOptions(*map);
-    map->add_option("points", o->points, "Points X,Y,Z (default: CSV lines on standard input)");
+    map->add_option("points", o->points, "Points X,Y,Z, or - for standard input (default: standard input)");
+    map->add_option("--file", o->file, "Read the points from a file, one X,Y,Z per line (- for standard input)")->type_name("FILE");
+    map->add_option("--output,-o", o->output, "Write to a file, which appears only if every point is good")->type_name("FILE");
     map->add_flag("--exact", o->exact, "Print floating-point values in hexadecimal (%a), bit for bit");
     map->add_flag("--json", o->asJson, "Print JSON: the matrix, and each point with its image");
     map->callback([map, o] {
         const Steps given = givenSteps(*map);
-        std::string out;
         withType(TransformTypes{}, o->type, "--type", [&](auto t) {
             using T = typename decltype(t)::type;
             withType(VectorTypes{}, o->vector.empty() ? o->type : o->vector, "--vector", [&](auto b) {
-                out = run<T, typename decltype(b)::type>(*o, given);
+                run<T, typename decltype(b)::type>(*o, given);
             });
         });
-        std::cout << out;
     });
 }
 

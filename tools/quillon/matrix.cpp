@@ -47,7 +47,7 @@ void addMatrixCommand(CLI::App& app)
         "The sixteen elements are given row by row, as separate arguments or separated by commas.\n"
         "A singular matrix (determinant exactly 0) has the identity for its inverse.\n\n"
         "Example: quillon matrix --type float 2,0,0,1 0,4,0,0 0,0,8,0 0,0,0,1");
-    cmd->add_option("--type", o->type, "Element type: float, double or guarddouble")->capture_default_str();
+    cmd->add_option("--type", o->type, "Element type: float, double or guarddouble")->type_name("TYPE")->capture_default_str();
     cmd->add_option("elements", o->elements, "Sixteen elements, row by row");
     cmd->add_flag("--exact", o->exact, "Print floating-point values in hexadecimal (%a), bit for bit");
     cmd->add_flag("--json", o->asJson, "Print JSON");

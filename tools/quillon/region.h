@@ -22,25 +22,43 @@ using RegionHandle = std::unique_ptr<std::remove_pointer_t<HRGN>, RegionDeleter>
 
 // The union of the rectangles (an empty list gives the empty region).
 RegionHandle makeRegion(const std::vector<Rect>& rects);
+// The union of rectangles given one at a time, without keeping them: they are joined in batches,
+// so that a long list costs neither a copy of itself nor one union of the whole region per line.
+class RegionBuilder {
+public:
+    void add(const Rect& r);
+    std::size_t count() const { return count_; }
+    RegionHandle finish(); // the union of everything added
+private:
+    void flush();
+    RegionHandle total_, batch_;
+    std::size_t count_ = 0, inBatch_ = 0;
+};
 // The region's rectangles in the platform's banded order; none for a null handle.
 std::vector<Rect> rectanglesOf(HRGN region);
 // "L,T,R,B" as four integers.
 Rect parseRect(std::string_view text);
 
-// One region before and after a transform.
+// One region before and after a transform, and what its picture shows.
 struct RegionPicture {
-    std::string caption;
+    std::string title;        // the element type and the transform
+    std::vector<Rect> given;  // the user's own rectangles, drawn as outlines (none: too many to draw)
     std::vector<Rect> before; // the input region's rectangles
     std::vector<Quad> quads;  // each of them mapped: top left, top right, bottom right, bottom left
     std::vector<Rect> after;  // the rectangles of the mapped region
+    std::vector<Rect> marked;  // pixels of the result to point out, such as where element types disagree
+    std::vector<Rect> lacking; // pixels to point out that the result does not have
 };
 
+// Up to this many rectangles are drawn one by one; beyond it, the outline of their union.
+constexpr std::size_t kMostRectanglesDrawn = 200;
+
 template <class T>
-RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string caption)
+RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string title)
 {
-    RegionPicture p{std::move(caption), {}, {}, {}};
-    const RegionHandle input = makeRegion(rects);
-    p.before = rectanglesOf(input.get());
+    RegionPicture p;
+    p.title = std::move(title);
+    p.before = rectanglesOf(input);
     // The quadrilaterals the mapping joins: each corner mapped as a ThreeDVector<double> with
     // z = 0, truncated toward zero.
     const auto corner = [&t](int x, int y) {
@@ -49,16 +67,27 @@ RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, s
     };
     for (const Rect& r : p.before)
         p.quads.push_back({corner(r[0], r[1]), corner(r[2], r[1]), corner(r[2], r[3]), corner(r[0], r[3])});
-    const RegionHandle output(t * input.get());
+    const RegionHandle output(t * input);
     p.after = rectanglesOf(output.get());
+    return p;
+}
+
+template <class T>
+RegionPicture mapRegion(const Transform<T>& t, const std::vector<Rect>& rects, std::string title)
+{
+    const RegionHandle input = makeRegion(rects);
+    RegionPicture p = mapRegion(t, input.get(), std::move(title));
+    if (rects.size() <= kMostRectanglesDrawn) p.given = rects;
     return p;
 }
 
 std::string jsonRects(const std::vector<Rect>& rects);
 std::string jsonQuads(const std::vector<Quad>& quads);
-// Pictures side by side, each with its caption: the input region's outline dashed, the mapped
-// quadrilaterals in red, the pixels of the mapped region in blue.
-std::string svgDocument(const std::vector<RegionPicture>& pictures);
+// Pictures side by side, each in its own coordinates with axes (y downward, as on screen): the
+// user's rectangles as dashed outlines (the outline of their union when there are many), the
+// mapped region as one filled area, marked pixels circled, and a note for an empty result. A
+// picture whose result lies far from its input gets two panels, before and after.
+std::string svgDocument(const std::vector<RegionPicture>& pictures, const std::string& note = "");
 
 } // namespace tool
 
