@@ -1,9 +1,11 @@
 # Runs the C interface test and the C++ reference program and fails unless both succeed and print
 # the same digests, line for line.
-#   cmake -DTEST=... -DREFERENCE=... -P compare_digests.cmake
+#   cmake [-DEMULATOR=wine64] -DTEST=... -DREFERENCE=... -P compare_digests.cmake
 cmake_minimum_required(VERSION 3.25)
-execute_process(COMMAND ${TEST} OUTPUT_VARIABLE from_c RESULT_VARIABLE c_status)
-execute_process(COMMAND ${REFERENCE} OUTPUT_VARIABLE from_cpp RESULT_VARIABLE cpp_status)
+execute_process(COMMAND ${EMULATOR} ${TEST} OUTPUT_VARIABLE from_c RESULT_VARIABLE c_status)
+execute_process(COMMAND ${EMULATOR} ${REFERENCE} OUTPUT_VARIABLE from_cpp RESULT_VARIABLE cpp_status)
+string(REPLACE "\r" "" from_c "${from_c}")
+string(REPLACE "\r" "" from_cpp "${from_cpp}")
 if(NOT c_status EQUAL 0 OR NOT cpp_status EQUAL 0)
   message(FATAL_ERROR "exit status: C interface test ${c_status}, C++ reference ${cpp_status}")
 endif()
