@@ -1,0 +1,191 @@
+// Mapping many points: quillon::mapPoints against Eigen's per-point loop over points in cache,
+// and over ten million points against a memcpy of the same bytes (the bound of a job that reads
+// and writes each byte once). One point at a time for float: the inlined operator and the
+// module's exported member against Eigen and against the same arithmetic written by hand.
+#include <quillon/Batch>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#ifdef QUILLON_BENCH_EIGEN
+#include <Eigen/Geometry>
+#endif
+
+namespace {
+
+constexpr std::size_t kInCache = 100000;     // 2.4 MB in, 2.4 MB out
+constexpr std::size_t kBeyondCache = 10000000; // 240 MB in, 240 MB out
+constexpr std::size_t kSinglePoints = 1024;
+
+template <class T>
+Transform<T> turned()
+{
+    Transform<T> t;
+    t.Function_2424(0.3);
+    t.Function_2422(-0.7);
+    t.Function_2428('x', T(12.5));
+    t.Function_2428('z', T(-3.25));
+    return t;
+}
+
+template <class T>
+std::vector<ThreeDVector<T>> points(std::size_t n)
+{
+    std::vector<ThreeDVector<T>> p(n);
+    for (std::size_t i = 0; i < n; ++i)
+        p[i] = ThreeDVector<T>(T(std::sin(i * 0.37) * 1000), T(std::sin(i * 0.37 + 1) * 1000), T(std::sin(i * 0.37 + 2) * 1000));
+    return p;
+}
+
+// ---- Many double points ----
+
+void MapBatch(benchmark::State& state)
+{
+    const std::size_t n = static_cast<std::size_t>(state.range(0));
+    const Transform<double> t = turned<double>();
+    const auto in = points<double>(n);
+    std::vector<ThreeDVector<double>> out(n);
+    for (auto _ : state) {
+        quillon::mapPoints(t, in.data(), out.data(), n);
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long long>(n));
+    state.SetBytesProcessed(state.iterations() * static_cast<long long>(n * sizeof(ThreeDVector<double>)));
+}
+BENCHMARK(MapBatch)->Arg(kInCache)->Arg(kBeyondCache)->Unit(benchmark::kMicrosecond);
+
+// The operator point by point, inlined.
+void MapPointByPoint(benchmark::State& state)
+{
+    const std::size_t n = static_cast<std::size_t>(state.range(0));
+    const Transform<double> t = turned<double>();
+    const auto in = points<double>(n);
+    std::vector<ThreeDVector<double>> out(n);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < n; ++i) out[i] = t * in[i];
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long long>(n));
+}
+BENCHMARK(MapPointByPoint)->Arg(kInCache)->Unit(benchmark::kMicrosecond);
+
+#ifdef QUILLON_BENCH_EIGEN
+void MapEigenLoop(benchmark::State& state)
+{
+    const std::size_t n = static_cast<std::size_t>(state.range(0));
+    double e[16];
+    turned<double>().Function_2416(e);
+    Eigen::Affine3d t;
+    t.matrix() = Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
+    const auto raw = points<double>(n);
+    std::vector<Eigen::Vector3d> in(n), out(n);
+    for (std::size_t i = 0; i < n; ++i) in[i] = {raw[i].GetX(), raw[i].GetY(), raw[i].GetZ()};
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < n; ++i) out[i] = t * in[i];
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long long>(n));
+}
+BENCHMARK(MapEigenLoop)->Arg(kInCache)->Unit(benchmark::kMicrosecond);
+#endif
+
+void CopyBytes(benchmark::State& state)
+{
+    const std::size_t n = static_cast<std::size_t>(state.range(0));
+    const auto in = points<double>(n);
+    std::vector<ThreeDVector<double>> out(n);
+    for (auto _ : state) {
+        std::memcpy(static_cast<void*>(out.data()), in.data(), n * sizeof(ThreeDVector<double>));
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<long long>(n));
+    state.SetBytesProcessed(state.iterations() * static_cast<long long>(n * sizeof(ThreeDVector<double>)));
+}
+BENCHMARK(CopyBytes)->Arg(kBeyondCache)->Unit(benchmark::kMicrosecond);
+
+// ---- One float point at a time ----
+
+void MapFloatInline(benchmark::State& state)
+{
+    const Transform<float> t = turned<float>();
+    const auto in = points<float>(kSinglePoints);
+    std::vector<ThreeDVector<float>> out(kSinglePoints);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSinglePoints; ++i) out[i] = t * in[i];
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatInline);
+
+// The member as the module exports it: called, not inlined (the header declares the
+// instantiation extern, so the call goes to libquillon).
+void MapFloatExported(benchmark::State& state)
+{
+    const Transform<float> t = turned<float>();
+    const auto in = points<float>(kSinglePoints);
+    std::vector<ThreeDVector<float>> out(kSinglePoints);
+    ThreeDVector<float> (Transform<float>::*map)(const ThreeDVector<float>&) const noexcept = &Transform<float>::operator*;
+    benchmark::DoNotOptimize(map);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSinglePoints; ++i) out[i] = (t.*map)(in[i]);
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatExported);
+
+// The same arithmetic by hand: operands widened to double, one rounding to float per component.
+void MapFloatByHand(benchmark::State& state)
+{
+    float e[16];
+    turned<float>().Function_2416(e);
+    const auto raw = points<float>(kSinglePoints);
+    std::vector<float> in(3 * kSinglePoints), out(3 * kSinglePoints);
+    for (std::size_t i = 0; i < kSinglePoints; ++i) {
+        in[3 * i] = raw[i].GetX(), in[3 * i + 1] = raw[i].GetY(), in[3 * i + 2] = raw[i].GetZ();
+    }
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSinglePoints; ++i) {
+            const double x = in[3 * i], y = in[3 * i + 1], z = in[3 * i + 2];
+            for (int r = 0; r < 3; ++r)
+                out[3 * i + r] = static_cast<float>(((double(e[4 * r]) * x + double(e[4 * r + 1]) * y) +
+                                                     double(e[4 * r + 2]) * z) + double(e[4 * r + 3]));
+        }
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatByHand);
+
+#ifdef QUILLON_BENCH_EIGEN
+void MapFloatEigen(benchmark::State& state)
+{
+    float e[16];
+    turned<float>().Function_2416(e);
+    Eigen::Affine3f t;
+    t.matrix() = Eigen::Map<const Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(e);
+    const auto raw = points<float>(kSinglePoints);
+    std::vector<Eigen::Vector3f> in(kSinglePoints), out(kSinglePoints);
+    for (std::size_t i = 0; i < kSinglePoints; ++i) in[i] = {raw[i].GetX(), raw[i].GetY(), raw[i].GetZ()};
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSinglePoints; ++i) out[i] = t * in[i];
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatEigen);
+#endif
+
+} // namespace
