@@ -42,9 +42,8 @@ std::vector<ThreeDVector<T>> points(std::size_t n)
 
 // ---- Many double points ----
 
-void MapBatch(benchmark::State& state)
+void runBatch(benchmark::State& state, std::size_t n)
 {
-    const std::size_t n = static_cast<std::size_t>(state.range(0));
     const Transform<double> t = turned<double>();
     const auto in = points<double>(n);
     std::vector<ThreeDVector<double>> out(n);
@@ -56,7 +55,25 @@ void MapBatch(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * static_cast<long long>(n));
     state.SetBytesProcessed(state.iterations() * static_cast<long long>(n * sizeof(ThreeDVector<double>)));
 }
+void MapBatch(benchmark::State& state) { runBatch(state, static_cast<std::size_t>(state.range(0))); }
 BENCHMARK(MapBatch)->Arg(kInCache)->Arg(kBeyondCache)->Unit(benchmark::kMicrosecond);
+
+// The same on each kernel path this processor has (every path gives the same bits).
+void MapBatchOnPath(benchmark::State& state)
+{
+    const auto path = static_cast<quillon::batch::Path>(state.range(0));
+    const quillon::batch::Path saved = quillon::batch::currentPath();
+    if (!quillon::batch::forcePath(path)) {
+        state.SkipWithError("path not supported here");
+        return;
+    }
+    runBatch(state, static_cast<std::size_t>(state.range(1)));
+    quillon::batch::forcePath(saved);
+}
+BENCHMARK(MapBatchOnPath)
+    ->ArgNames({"path", "n"})
+    ->ArgsProduct({{0, 1, 2, 3}, {kInCache, kBeyondCache}})
+    ->Unit(benchmark::kMicrosecond);
 
 // The operator point by point, inlined.
 void MapPointByPoint(benchmark::State& state)
@@ -154,12 +171,14 @@ void MapFloatByHand(benchmark::State& state)
     for (std::size_t i = 0; i < kSinglePoints; ++i) {
         in[3 * i] = raw[i].GetX(), in[3 * i + 1] = raw[i].GetY(), in[3 * i + 2] = raw[i].GetZ();
     }
+    double m[12];
+    for (int k = 0; k < 12; ++k) m[k] = e[k];
     for (auto _ : state) {
         for (std::size_t i = 0; i < kSinglePoints; ++i) {
             const double x = in[3 * i], y = in[3 * i + 1], z = in[3 * i + 2];
-            for (int r = 0; r < 3; ++r)
-                out[3 * i + r] = static_cast<float>(((double(e[4 * r]) * x + double(e[4 * r + 1]) * y) +
-                                                     double(e[4 * r + 2]) * z) + double(e[4 * r + 3]));
+            out[3 * i] = static_cast<float>(((m[0] * x + m[1] * y) + m[2] * z) + m[3]);
+            out[3 * i + 1] = static_cast<float>(((m[4] * x + m[5] * y) + m[6] * z) + m[7]);
+            out[3 * i + 2] = static_cast<float>(((m[8] * x + m[9] * y) + m[10] * z) + m[11]);
         }
         benchmark::DoNotOptimize(out.data());
         benchmark::ClobberMemory();
