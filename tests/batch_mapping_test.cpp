@@ -106,10 +106,10 @@ void checkPair(std::mt19937_64& rng, const std::string& path)
     std::size_t which = 0;
     for (const std::size_t n : lengths) {
         const Transform<A>& t = ts[which++ % ts.size()];
-        // Offsets of 0 to 2 elements from the start of the buffers break 16-, 32- and 64-byte
-        // alignment in turn.
-        const std::size_t inAt = n % 3, outAt = (n + 1) % 3;
-        std::vector<ThreeDVector<B>> in(n + 3), out(n + 4, sentinel), inPlace(n + 4, sentinel);
+        // Offsets of 0 to 7 elements from the start of the buffers put the arrays at every
+        // position relative to 16-, 32- and 64-byte boundaries, input and output apart.
+        const std::size_t inAt = n % 8, outAt = (3 * n + 5) % 8;
+        std::vector<ThreeDVector<B>> in(n + 8), out(n + 10, sentinel), inPlace(n + 10, sentinel);
         for (std::size_t i = 0; i < n; ++i)
             in[inAt + i] = ThreeDVector<B>(E::fromDouble(component(rng)), E::fromDouble(component(rng)),
                                            E::fromDouble(component(rng)));
