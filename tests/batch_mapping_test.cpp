@@ -188,6 +188,24 @@ TEST(BatchMapping, PathsAreChosenFromTheProcessorAndCanBeForced)
     }
 }
 
+TEST(BatchMapping, NoPointsTouchNothing)
+{
+    const RestorePath restore;
+    for (const Path p : kPaths) {
+        if (!quillon::batch::forcePath(p)) continue;
+        // Null arrays with n = 0 are never read or written.
+        quillon::mapPoints(Transform<double>(), static_cast<const ThreeDVector<double>*>(nullptr),
+                           static_cast<ThreeDVector<double>*>(nullptr), 0);
+        quillon::mapPoints(Transform<float>(), static_cast<const ThreeDVector<float>*>(nullptr),
+                           static_cast<ThreeDVector<float>*>(nullptr), 0);
+        quillon::mapPoints(Transform<guarddouble>(), static_cast<const ThreeDVector<int>*>(nullptr),
+                           static_cast<ThreeDVector<int>*>(nullptr), 0);
+        ThreeDVector<double> kept(1, 2, 3);
+        quillon::mapPoints(Transform<double>(), &kept, &kept, 0);
+        EXPECT_EQ(kept, ThreeDVector<double>(1, 2, 3)) << name(p);
+    }
+}
+
 // Cases where one rule decides, spelled out: a kernel that skipped the rounding of a double input
 // under Transform<float>, rounded a float result twice, fused a multiply and an add, or added the
 // translation earlier, would give another answer here.
