@@ -1,11 +1,10 @@
 // Uses the installed library: turns a point a quarter turn about z, moves it, and checks the
-// result against what the arithmetic must give; maps points in one batch call and checks them
-// against the operator. Exit status 0 when all holds.
-#include <quillon/Batch>
+// result against what the arithmetic must give. Exit status 0 when all holds.
 #include <quillon/Transform>
 
 #include <cmath>
 #include <cstdio>
+#include <quillon/Batch> // mapPoints, from libquillon_batch
 
 int main()
 {
