@@ -2,11 +2,15 @@
 # (find_package(Quillon) gives Quillon::quillon, which brings Quillon::guardscalars) and quillon.pc.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS guardscalars quillon_region quillon quillon_exactness EXPORT QuillonTargets
+install(TARGETS guardscalars quillon_region quillon quillon_batch quillon_exactness EXPORT QuillonTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# quillon-batch.pc, which quillon.pc requires: the static library of the batch kernels.
+file(RELATIVE_PATH QUILLON_BATCH_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
+configure_file(cmake/quillon-batch.pc.in ${PROJECT_BINARY_DIR}/quillon-batch.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/quillon-batch.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 set(QUILLON_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
 install(EXPORT QuillonTargets NAMESPACE Quillon:: DESTINATION ${QUILLON_CMAKE_DIR})

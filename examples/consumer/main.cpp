@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <quillon/Batch> // mapPoints, from libquillon_batch
 
 int main()
 {
@@ -16,6 +17,12 @@ int main()
     std::printf("(2, 0, 0) -> int (%d, %d, %d), guardint (%d, %d, %d); 1/0 = %a\n", p.GetX(), p.GetY(),
                 p.GetZ(), q.GetX().value(), q.GetY().value(), q.GetZ().value(), limit.value());
     // cos(pi/2) * 2 is a tiny positive number: truncated to 0 for int, nearest 0 for guardint.
-    const bool ok = p.GetX() == 0 && p.GetY() == 5 && q.GetY().value() == 5 && limit.value() == 0x1p1022;
+    bool ok = p.GetX() == 0 && p.GetY() == 5 && q.GetY().value() == 5 && limit.value() == 0x1p1022;
+    // The batch call (libquillon_batch) gives what the operator gives, point for point.
+    ThreeDVector<double> points[13];
+    for (int i = 0; i < 13; ++i) points[i] = ThreeDVector<double>(i * 0.1, 1.0 - i, i * 7.5);
+    ThreeDVector<double> mapped[13];
+    quillon::mapPoints(t, points, mapped, 13);
+    for (int i = 0; i < 13; ++i) ok = ok && mapped[i] == t * points[i];
     return ok ? 0 : 1;
 }
