@@ -35,6 +35,51 @@ std::vector<CorpusCase> loadCorpus()
     return cases;
 }
 
+// Where the platform reads outside the buffer the caller gave, the region layer gives the safe
+// answer instead: ExtCreateRegion with a byte count too small for the rectangles its header
+// announces fails. Each entry: the case, the command, what the platform printed for it (checked,
+// so that a new recording is looked at again) and what is printed here.
+struct SafeAnswer {
+    const char* caseName;
+    const char* command;
+    std::vector<std::string> platform;
+    std::vector<std::string> here;
+};
+
+const std::vector<SafeAnswer>& safeAnswers()
+{
+    static const std::vector<SafeAnswer> answers = {
+        {"ext headers", "extraw 3 32 1 1 0 1 2 11 12", {"= 1"}, {"= 0"}},
+        {"ext headers", "data 3",
+         {"= size 48 48", "= got 48 hdr 32 1 1 16 1 2 11 12 small 0", "= rects 1 2 11 12"},
+         {"= size 0 0"}},
+        {"ext headers", "extraw 5 32 1 2 48 0 0 10 10 20 20 30 30", {"= 1"}, {"= 0"}},
+        {"ext headers", "data 5",
+         {"= size 64 64", "= got 64 hdr 32 1 2 32 0 0 30 30 small 0", "= rects 0 0 10 10 20 20 30 30"},
+         {"= size 0 0"}},
+    };
+    return answers;
+}
+
+// The platform's transcript with the safe answers put in; fails the test if a listed command is
+// missing or printed something else than listed.
+std::vector<std::string> expectedHere(const CorpusCase& c)
+{
+    std::vector<std::string> out;
+    const auto& t = c.transcript;
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        out.push_back(t[i]);
+        for (const SafeAnswer& a : safeAnswers()) {
+            if (c.name != a.caseName || t[i] != a.command) continue;
+            std::vector<std::string> printed;
+            while (i + 1 < t.size() && t[i + 1].rfind("= ", 0) == 0) printed.push_back(t[++i]);
+            EXPECT_EQ(printed, a.platform) << c.name << ": " << a.command;
+            out.insert(out.end(), a.here.begin(), a.here.end());
+        }
+    }
+    return out;
+}
+
 // Runs the commands of one case and returns the transcript they make here.
 std::vector<std::string> replay(const CorpusCase& c)
 {
@@ -55,16 +100,17 @@ TEST(RegionCorpus, EveryCaseGivesThePlatformsResults)
     int matched = 0;
     for (const CorpusCase& c : cases) {
         const std::vector<std::string> got = replay(c);
-        if (got == c.transcript) {
+        const std::vector<std::string> want = expectedHere(c);
+        if (got == want) {
             ++matched;
             continue;
         }
         std::size_t i = 0;
-        while (i < got.size() && i < c.transcript.size() && got[i] == c.transcript[i]) ++i;
-        ADD_FAILURE() << "case \"" << c.name << "\" differs at line " << i + 1 << "\n  platform: "
-                      << (i < c.transcript.size() ? c.transcript[i] : "(end)")
+        while (i < got.size() && i < want.size() && got[i] == want[i]) ++i;
+        ADD_FAILURE() << "case \"" << c.name << "\" differs at line " << i + 1 << "\n  expected: "
+                      << (i < want.size() ? want[i] : "(end)")
                       << "\n  here:     " << (i < got.size() ? got[i] : "(end)")
-                      << (i > 0 ? "\n  after:    " + c.transcript[i - 1] : "");
+                      << (i > 0 ? "\n  after:    " + want[i - 1] : "");
     }
     EXPECT_EQ(matched, static_cast<int>(cases.size()));
 }

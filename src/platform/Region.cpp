@@ -37,6 +37,8 @@
 #define QUILLON_BUILDING_REGION
 #include <quillon/Region>
 
+#include "HandleTable.h"
+
 #include <pixman.h>
 
 #include <algorithm>
@@ -68,9 +70,9 @@ constexpr std::int32_t wrap(std::int64_t v) noexcept
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint64_t>(v)));
 }
 
-// Work limits: past them a creation fails as an allocation would.
+// The most rectangles a region may hold. Every operation that makes or changes a region checks
+// it before it allocates, and one that would pass it fails as an allocation failure would.
 constexpr std::size_t kMaxRects = std::size_t(1) << 24;
-constexpr std::int64_t kMaxRows = std::int64_t(1) << 26;
 
 // ----- regions ---------------------------------------------------------------------------------
 
@@ -139,6 +141,12 @@ public:
         if (!pixman_region32_copy(&r_, const_cast<pixman_region32_t*>(&other.r_))) return false;
         wrapped = other.wrapped;
         return true;
+    }
+
+    void swap(Region& other) noexcept
+    {
+        std::swap(r_, other.r_);
+        std::swap(wrapped, other.wrapped);
     }
 
     // True once an offset has wrapped a coordinate and left the canonical form.
@@ -260,9 +268,70 @@ std::int64_t stillSteps(const Edge& e) noexcept
     return room / e.incr2 + 1;
 }
 
-inline void stillStep(Edge& e, std::int64_t k) noexcept
+constexpr std::int64_t floorDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
 {
-    e.d = wrap(std::int64_t(e.d) + k * e.incr2);
+    return a >= 0 ? a / b : -((-a + b - 1) / b);
+}
+
+// k steps at once, with exactly the state that k calls of step() leave. With a = incr2 and
+// b = incr2 - incr1 (twice the edge's height), 0 <= a < b, the error term never leaves the
+// interval (a - b, a] (long steps while d > 0) or [a - b, a) (long steps while d >= 0) once it
+// is in it, and after k steps d = d0 + k a - b L, L being the number of long steps; the interval
+// fixes L. Edges made by makeEdge start inside it whenever their height is below 2^29. Any other
+// state is stepped one row at a time.
+void advance(Edge& e, std::int64_t k) noexcept
+{
+    if (k <= 0) return;
+    const std::int64_t a = e.incr2;
+    const std::int64_t b = a - e.incr1;
+    const std::int64_t d = e.d;
+    const bool strict = e.m1 > 0; // long steps while d > 0
+    const bool closed = a >= 0 && a < b && b <= (std::int64_t(1) << 30) &&
+                        (strict ? d > a - b && d <= a : d >= a - b && d < a);
+    if (!closed) {
+        if (stillSteps(e) >= k) { // x stays; the term only moves on its short steps
+            e.d = wrap(d + k * a);
+            return;
+        }
+        for (std::int64_t i = 0; i < k; ++i) step(e);
+        return;
+    }
+    const std::int64_t n = d + (k - 1) * a;
+    const std::int64_t longSteps = strict ? -floorDiv(-n, b) : floorDiv(n, b) + 1;
+    const std::uint32_t m = static_cast<std::uint32_t>(e.m);
+    const std::uint32_t extra = static_cast<std::uint32_t>(e.m1) - m;
+    e.x = static_cast<std::int32_t>(static_cast<std::uint32_t>(e.x) +
+                                    static_cast<std::uint32_t>(k) * m +
+                                    static_cast<std::uint32_t>(longSteps) * extra);
+    e.d = static_cast<std::int32_t>(d + k * a - b * longSteps);
+}
+
+// Whether two edges move alike on every row from now on: the same x and steps, and error terms
+// in proportion (the same line from the same point), so that they take their long steps together.
+bool sameCourse(const Edge& p, const Edge& q) noexcept
+{
+    if (p.x != q.x || p.m != q.m || p.m1 != q.m1) return false;
+    const std::int64_t pd = p.d, p1 = p.incr1, p2 = p.incr2;
+    const std::int64_t qd = q.d, q1 = q.incr1, q2 = q.incr2;
+    auto sign = [](std::int64_t v) { return (v > 0) - (v < 0); };
+    return sign(pd) == sign(qd) && sign(p1) == sign(q1) && sign(p2) == sign(q2) &&
+           pd * q1 == qd * p1 && pd * q2 == qd * p2 && p1 * q2 == q1 * p2;
+}
+
+// Whether the active edges cancel each other out: they fall into runs of neighbours on the same
+// course whose directions sum to zero (WINDING) or that are even in number (ALTERNATE). Such edges
+// fill nothing on any row for as long as they all last and no edge joins them.
+bool allCancel(const std::vector<Edge*>& active, bool winding) noexcept
+{
+    std::size_t i = 0;
+    while (i < active.size()) {
+        std::size_t j = i + 1;
+        int sum = active[i]->direction;
+        while (j < active.size() && sameCourse(*active[i], *active[j])) sum += active[j++]->direction;
+        if (winding ? sum != 0 : (j - i) % 2 != 0) return false;
+        i = j;
+    }
+    return true;
 }
 
 struct Span {
@@ -348,7 +417,6 @@ bool scanConvert(std::vector<Edge>& edges, bool winding, Region& out)
     std::vector<Span> spans;
     std::size_t next = 0;
     std::int64_t y = edges[0].top;
-    std::int64_t rowsDone = 0;
     while (true) {
         if (active.empty()) {
             if (next == edges.size()) break;
@@ -365,17 +433,17 @@ bool scanConvert(std::vector<Edge>& edges, bool winding, Region& out)
             active.swap(merged);
         }
         rowSpans(active, winding, spans);
-        // Rows after y that repeat this one: no edge starts, ends or moves.
+        // Rows after y that repeat this one: no edge starts or ends, and every edge stands still
+        // or all of them cancel out (then they are moved on at once, row by row being no
+        // different).
         std::int64_t repeat = next < edges.size() ? edges[next].top - y - 1
                                                   : std::numeric_limits<std::int64_t>::max();
-        for (const Edge* e : active) {
-            repeat = std::min(repeat, e->last - y);
-            repeat = std::min(repeat, stillSteps(*e));
-        }
-        if (++rowsDone > kMaxRows) return false;
+        for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
+        if (!spans.empty() || !allCancel(active, winding))
+            for (const Edge* e : active) repeat = std::min(repeat, stillSteps(*e));
         if (!writer.add(y, y + repeat + 1, spans)) return false;
         if (repeat > 0)
-            for (Edge* e : active) stillStep(*e, repeat);
+            for (Edge* e : active) advance(*e, repeat);
         y += repeat;
         // Leave row y: drop the edges that end here, step the others, restore the order.
         std::size_t kept = 0;
@@ -422,6 +490,13 @@ void setRect(Region& region, const Box& b) noexcept
         region.setBox(b);
 }
 
+// Polygon heights as the platform measures them: per polygon of two or more points, the
+// difference of its lowest and highest y in 32-bit arithmetic. One of 2^27 rows or more makes
+// the call fail; one whose difference wrapped around makes the whole region empty.
+constexpr std::int32_t kMaxPolygonHeight = std::int32_t(1) << 27;
+// Points the edge list may hold; more fail as an allocation would, before anything is allocated.
+constexpr std::int64_t kMaxPoints = std::int64_t(1) << 24;
+
 bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode, Region& out)
 {
     if (polygons <= 0) {
@@ -433,15 +508,33 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
     for (int i = 0; i < polygons; ++i) {
         if (counts[i] < 0) return false;
         total += counts[i];
+        if (total > kMaxPoints) return false;
     }
     if (total > 0 && !points) return false;
     if (polygons == 1 && isRectangle(points, counts[0])) {
         setRect(out, normalized(points[0].x, points[0].y, points[2].x, points[2].y));
         return true;
     }
+    bool wrapped = false;
+    const POINT* p = points;
+    for (int i = 0; i < polygons; ++i) {
+        const int n = counts[i];
+        if (n >= 2) {
+            std::int32_t low = p[0].y, high = p[0].y;
+            for (int k = 1; k < n; ++k) low = std::min(low, p[k].y), high = std::max(high, p[k].y);
+            const std::int32_t height = wrap(std::int64_t(high) - low);
+            if (height >= kMaxPolygonHeight) return false;
+            wrapped |= height < 0;
+        }
+        p += n;
+    }
+    if (wrapped) {
+        out.clear();
+        return true;
+    }
     std::vector<Edge> edges;
     edges.reserve(static_cast<std::size_t>(total));
-    const POINT* p = points;
+    p = points;
     for (int i = 0; i < polygons; ++i) {
         const int n = counts[i];
         if (n >= 2) {
@@ -462,32 +555,132 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
 
 // ----- set operations --------------------------------------------------------------------------
 
+// How many rectangles a set operation may give, counted without making it. Row by row a pixel
+// is in the result when keep(in a, in b) says so; stretches of rows where neither operand
+// changes its band give one band each, and a band that repeats the one just above it adds
+// nothing. Touching rectangles are counted as one, so the count can fall short of the result by
+// rectangles kept apart; the result is checked again once it is made. Stops early once the
+// count passes stopAbove.
+template <class Keep>
+std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t stopAbove)
+{
+    int na = 0, nb = 0;
+    const Box* ba = a.boxes(na);
+    const Box* bb = b.boxes(nb);
+    auto bandEnd = [](const Box* boxes, int n, int i) {
+        int j = i + 1;
+        while (j < n && boxes[j].y1 == boxes[i].y1) ++j;
+        return j;
+    };
+    // The spans of one band, touching ones joined.
+    auto spansOf = [](const Box* boxes, int from, int to, std::vector<Span>& out) {
+        out.clear();
+        for (int i = from; i < to; ++i) {
+            if (!out.empty() && out.back().x2 >= boxes[i].x1)
+                out.back().x2 = std::max(out.back().x2, boxes[i].x2);
+            else
+                out.push_back(Span{boxes[i].x1, boxes[i].x2});
+        }
+    };
+    constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+    std::vector<Span> sa, sb, cur, prev;
+    std::size_t count = 0;
+    std::int64_t prevBottom = kNone;
+    std::int64_t y = std::numeric_limits<std::int64_t>::min();
+    int ia = 0, ib = 0;
+    int ea = na ? bandEnd(ba, na, 0) : 0, eb = nb ? bandEnd(bb, nb, 0) : 0;
+    while (ia < na || ib < nb) {
+        const std::int64_t aTop = ia < na ? ba[ia].y1 : kNone, aBottom = ia < na ? ba[ia].y2 : kNone;
+        const std::int64_t bTop = ib < nb ? bb[ib].y1 : kNone, bBottom = ib < nb ? bb[ib].y2 : kNone;
+        if (ia < na && aBottom <= y) {
+            ia = ea;
+            if (ia < na) ea = bandEnd(ba, na, ia);
+            continue;
+        }
+        if (ib < nb && bBottom <= y) {
+            ib = eb;
+            if (ib < nb) eb = bandEnd(bb, nb, ib);
+            continue;
+        }
+        y = std::max(y, std::min(aTop, bTop));
+        const bool inA = aTop <= y, inB = bTop <= y;
+        const std::int64_t end = std::min(inA ? aBottom : aTop, inB ? bBottom : bTop);
+        if (inA) spansOf(ba, ia, ea, sa); else sa.clear();
+        if (inB) spansOf(bb, ib, eb, sb); else sb.clear();
+        // Walk the edges of both span lists from left to right.
+        cur.clear();
+        std::size_t i = 0, j = 0;
+        bool overA = false, overB = false, was = false;
+        std::int32_t start = 0;
+        while (i < 2 * sa.size() || j < 2 * sb.size()) {
+            auto edgeAt = [](const std::vector<Span>& s, std::size_t k) {
+                return k % 2 == 0 ? s[k / 2].x1 : s[k / 2].x2;
+            };
+            const std::int64_t xa = i < 2 * sa.size() ? edgeAt(sa, i) : kNone;
+            const std::int64_t xb = j < 2 * sb.size() ? edgeAt(sb, j) : kNone;
+            const std::int64_t x = std::min(xa, xb);
+            if (xa == x) overA = ++i % 2 == 1;
+            if (xb == x) overB = ++j % 2 == 1;
+            const bool now = keep(overA, overB);
+            if (now && !was) start = static_cast<std::int32_t>(x);
+            if (!now && was) cur.push_back(Span{start, static_cast<std::int32_t>(x)});
+            was = now;
+        }
+        if (!cur.empty()) {
+            if (!(prevBottom == y && cur == prev)) count += cur.size();
+            prev.swap(cur);
+            prevBottom = end;
+        }
+        if (count > stopAbove) return count;
+        y = end;
+    }
+    return count;
+}
+
+bool keepBoth(bool a, bool b) noexcept { return a && b; }
+bool keepEither(bool a, bool b) noexcept { return a || b; }
+bool keepFirstOnly(bool a, bool b) noexcept { return a && !b; }
+bool keepSecondOnly(bool a, bool b) noexcept { return b && !a; }
+bool keepOne(bool a, bool b) noexcept { return a != b; }
+
+// dest = a (mode) b. On any failure, a result over the rectangle limit among them, dest is left
+// as it was. The result is made apart and moved in, since dest may be a or b.
 bool combine(Region& dest, const Region& a, const Region& b, int mode)
 {
-    pixman_region32_t* d = dest.get();
     auto* ra = const_cast<pixman_region32_t*>(a.get());
     auto* rb = const_cast<pixman_region32_t*>(b.get());
     const bool wrapped = a.wrapped || (mode != RGN_COPY && b.wrapped);
+    Region result;
     bool ok = true;
     switch (mode) {
-    case RGN_AND: ok = pixman_region32_intersect(d, ra, rb); break;
-    case RGN_OR: ok = pixman_region32_union(d, ra, rb); break;
-    case RGN_DIFF: ok = pixman_region32_subtract(d, ra, rb); break;
-    case RGN_COPY: ok = dest.copyFrom(a); break;
+    case RGN_AND:
+        ok = resultSize(a, b, keepBoth, kMaxRects) <= kMaxRects &&
+             pixman_region32_intersect(result.get(), ra, rb);
+        break;
+    case RGN_OR:
+        ok = resultSize(a, b, keepEither, kMaxRects) <= kMaxRects &&
+             pixman_region32_union(result.get(), ra, rb);
+        break;
+    case RGN_DIFF:
+        ok = resultSize(a, b, keepFirstOnly, kMaxRects) <= kMaxRects &&
+             pixman_region32_subtract(result.get(), ra, rb);
+        break;
+    case RGN_COPY: ok = result.copyFrom(a); break;
     case RGN_XOR: {
         Region ab, ba;
-        ok = pixman_region32_subtract(ab.get(), ra, rb) && pixman_region32_subtract(ba.get(), rb, ra) &&
-             pixman_region32_union(d, ab.get(), ba.get());
+        ok = resultSize(a, b, keepOne, kMaxRects) <= kMaxRects &&
+             resultSize(a, b, keepFirstOnly, kMaxRects) <= kMaxRects &&
+             resultSize(a, b, keepSecondOnly, kMaxRects) <= kMaxRects &&
+             pixman_region32_subtract(ab.get(), ra, rb) && pixman_region32_subtract(ba.get(), rb, ra) &&
+             pixman_region32_union(result.get(), ab.get(), ba.get());
         break;
     }
     default: return false;
     }
-    if (!ok) {
-        dest.clear();
-        return false;
-    }
-    dest.wrapped = wrapped;
-    if (!dest.count()) dest.clear();
+    if (!ok || static_cast<std::size_t>(result.count()) > kMaxRects) return false;
+    result.wrapped = wrapped;
+    if (!result.count()) result.clear();
+    dest.swap(result);
     return true;
 }
 
@@ -520,124 +713,7 @@ bool boxTouches(const Box& b, const RECT& r) noexcept
 
 // ----- handles ---------------------------------------------------------------------------------
 
-constexpr unsigned kIndexBits = sizeof(std::uintptr_t) >= 8 ? 32 : 16;
-constexpr std::uintptr_t kIndexMask = (std::uintptr_t(1) << kIndexBits) - 1;
-constexpr std::uint32_t kGenerationMask = sizeof(std::uintptr_t) >= 8 ? 0xFFFFFFFFu : 0xFFFFu;
-constexpr std::size_t kMaxSlots = std::min<std::size_t>(kIndexMask - 1, std::size_t(1) << 24);
-
-class Table {
-public:
-    // A handle is (generation << kIndexBits) | (slot + 1); generations start at 1, so no handle
-    // is a small number, and a slot's next region gets a new generation.
-    HRGN insert(std::unique_ptr<Region> region)
-    {
-        std::unique_lock lock(mutex_);
-        std::size_t index;
-        if (!free_.empty()) {
-            index = free_.back();
-            free_.pop_back();
-        } else {
-            if (slots_.size() >= kMaxSlots) return nullptr;
-            try {
-                slots_.emplace_back();
-                free_.reserve(slots_.size());
-            } catch (const std::bad_alloc&) {
-                return nullptr;
-            }
-            index = slots_.size() - 1;
-        }
-        Slot& s = slots_[index];
-        s.region = std::move(region);
-        ++live_;
-        const std::uintptr_t token =
-            (std::uintptr_t(s.generation) << kIndexBits) | std::uintptr_t(index + 1);
-        return reinterpret_cast<HRGN>(token);
-    }
-
-    bool erase(HRGN handle)
-    {
-        std::unique_ptr<Region> doomed;
-        {
-            std::unique_lock lock(mutex_);
-            Slot* s = find(handle);
-            if (!s) return false;
-            doomed = std::move(s->region);
-            s->generation = (s->generation + 1) & kGenerationMask;
-            if (s->generation == 0) s->generation = 1;
-            free_.push_back(static_cast<std::size_t>(s - slots_.data()));
-            --live_;
-        }
-        return true;
-    }
-
-    // Runs f(region...) with the handles' regions under a shared lock; false if one is invalid.
-    template <class F>
-    bool read(HRGN h, F&& f)
-    {
-        std::shared_lock lock(mutex_);
-        Slot* s = find(h);
-        if (!s) return false;
-        f(static_cast<const Region&>(*s->region));
-        return true;
-    }
-    template <class F>
-    bool write(HRGN h, F&& f)
-    {
-        std::unique_lock lock(mutex_);
-        Slot* s = find(h);
-        if (!s) return false;
-        return f(*s->region);
-    }
-    // The destination changes, the sources are read; any of them may be the same region.
-    template <class F>
-    bool writeWith(HRGN dest, HRGN a, HRGN b, bool needB, F&& f)
-    {
-        std::unique_lock lock(mutex_);
-        Slot* sd = find(dest);
-        Slot* sa = find(a);
-        Slot* sb = needB ? find(b) : nullptr;
-        if (!sd || !sa || (needB && !sb)) return false;
-        return f(*sd->region, *sa->region, sb ? *sb->region : *sa->region);
-    }
-    template <class F>
-    bool readTwo(HRGN a, HRGN b, F&& f)
-    {
-        std::shared_lock lock(mutex_);
-        Slot* sa = find(a);
-        Slot* sb = find(b);
-        if (!sa || !sb) return false;
-        f(static_cast<const Region&>(*sa->region), static_cast<const Region&>(*sb->region));
-        return true;
-    }
-
-    DWORD live()
-    {
-        std::shared_lock lock(mutex_);
-        return static_cast<DWORD>(live_);
-    }
-
-private:
-    struct Slot {
-        std::uint32_t generation = 1;
-        std::unique_ptr<Region> region;
-    };
-
-    Slot* find(HRGN handle) noexcept
-    {
-        const std::uintptr_t token = reinterpret_cast<std::uintptr_t>(handle);
-        const std::uintptr_t index = token & kIndexMask;
-        const std::uintptr_t generation = token >> kIndexBits;
-        if (index == 0 || index > slots_.size()) return nullptr;
-        Slot& s = slots_[index - 1];
-        if (!s.region || generation != s.generation) return nullptr;
-        return &s;
-    }
-
-    std::shared_mutex mutex_;
-    std::vector<Slot> slots_;
-    std::vector<std::size_t> free_;
-    std::size_t live_ = 0;
-};
+using Table = quillon::region_detail::HandleTable<Region>;
 
 // Never destroyed: handles stay usable from threads that outlive static destruction.
 Table& table()
@@ -649,7 +725,19 @@ Table& table()
 HRGN publish(std::unique_ptr<Region> region, const char* operation)
 {
     checkForm(*region, operation);
-    return table().insert(std::move(region));
+    return static_cast<HRGN>(table().insert(std::move(region)));
+}
+
+// Runs f and returns what it returns; an exception from anywhere inside gives the failure value
+// instead, so that none leaves a region function.
+template <class R, class F>
+R guarded(R failure, F&& f) noexcept
+{
+    try {
+        return f();
+    } catch (...) {
+        return failure;
+    }
 }
 
 std::unique_ptr<Region> newRegion() { return std::unique_ptr<Region>(new (std::nothrow) Region); }
@@ -662,10 +750,12 @@ extern "C" {
 
 HRGN CreateRectRgn(int left, int top, int right, int bottom)
 {
-    auto region = newRegion();
-    if (!region) return nullptr;
-    setRect(*region, normalized(left, top, right, bottom));
-    return publish(std::move(region), "CreateRectRgn");
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        auto region = newRegion();
+        if (!region) return nullptr;
+        setRect(*region, normalized(left, top, right, bottom));
+        return publish(std::move(region), "CreateRectRgn");
+    });
 }
 
 HRGN CreateRectRgnIndirect(const RECT* rect)
@@ -676,23 +766,23 @@ HRGN CreateRectRgnIndirect(const RECT* rect)
 
 BOOL SetRectRgn(HRGN handle, int left, int top, int right, int bottom)
 {
-    return table().write(handle, [&](Region& r) {
-        setRect(r, normalized(left, top, right, bottom));
-        checkForm(r, "SetRectRgn");
-        return true;
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        return table().write(handle, [&](Region& r) {
+            setRect(r, normalized(left, top, right, bottom));
+            checkForm(r, "SetRectRgn");
+            return true;
+        });
     });
 }
 
 HRGN CreatePolyPolygonRgn(const POINT* points, const INT* counts, int polygons, int mode)
 {
-    auto region = newRegion();
-    if (!region) return nullptr;
-    try {
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        auto region = newRegion();
+        if (!region) return nullptr;
         if (!makePolygons(points, counts, polygons, mode, *region)) return nullptr;
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-    return publish(std::move(region), "CreatePolyPolygonRgn");
+        return publish(std::move(region), "CreatePolyPolygonRgn");
+    });
 }
 
 HRGN CreatePolygonRgn(const POINT* points, int count, int mode)
@@ -702,19 +792,22 @@ HRGN CreatePolygonRgn(const POINT* points, int count, int mode)
 
 HRGN ExtCreateRegion(const XFORM* xform, DWORD size, const RGNDATA* data)
 {
-    (void)size; // the platform reads nCount rectangles whatever the size says
-    if (xform || !data || data->rdh.dwSize < sizeof(RGNDATAHEADER)) return nullptr;
-    const DWORD n = data->rdh.nCount;
-    if (n > kMaxRects) return nullptr;
-    auto region = newRegion();
-    if (!region) return nullptr;
-    try {
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        // The header and the nCount rectangles after it must lie inside the size bytes given;
+        // nothing past them is read.
+        if (xform || !data || size < sizeof(RGNDATAHEADER)) return nullptr;
+        if (data->rdh.dwSize < sizeof(RGNDATAHEADER)) return nullptr;
+        const DWORD n = data->rdh.nCount;
+        if (n > kMaxRects || sizeof(RGNDATAHEADER) + std::uint64_t(n) * sizeof(RECT) > size)
+            return nullptr;
+        auto region = newRegion();
+        if (!region) return nullptr;
         std::vector<Box> boxes;
         boxes.reserve(n);
         const char* at = reinterpret_cast<const char*>(data) + sizeof(RGNDATAHEADER);
         for (DWORD i = 0; i < n; ++i) {
             RECT r;
-            std::memcpy(&r, at + i * sizeof(RECT), sizeof r);
+            std::memcpy(&r, at + std::size_t(i) * sizeof(RECT), sizeof r);
             if (r.left < r.right && r.top < r.bottom)
                 boxes.push_back(Box{r.left, r.top, r.right, r.bottom});
         }
@@ -725,139 +818,150 @@ HRGN ExtCreateRegion(const XFORM* xform, DWORD size, const RGNDATA* data)
                 pixman_region32_init(region->get());
                 return nullptr;
             }
+            if (static_cast<std::size_t>(region->count()) > kMaxRects) return nullptr;
         }
-    } catch (const std::bad_alloc&) {
-        return nullptr;
-    }
-    return publish(std::move(region), "ExtCreateRegion");
+        return publish(std::move(region), "ExtCreateRegion");
+    });
 }
 
 int CombineRgn(HRGN destination, HRGN source1, HRGN source2, int mode)
 {
-    if (mode < RGN_AND || mode > RGN_COPY) return ERROR;
-    int kind = ERROR;
-    table().writeWith(destination, source1, source2, mode != RGN_COPY,
-                      [&](Region& d, const Region& a, const Region& b) {
-                          if (!combine(d, a, b, mode)) return false;
-                          checkForm(d, "CombineRgn");
-                          kind = d.kind();
-                          return true;
-                      });
-    return kind;
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        if (mode < RGN_AND || mode > RGN_COPY) return ERROR;
+        int kind = ERROR;
+        table().writeWith(destination, source1, source2, mode != RGN_COPY,
+                          [&](Region& d, const Region& a, const Region& b) {
+                              if (!combine(d, a, b, mode)) return false;
+                              checkForm(d, "CombineRgn");
+                              kind = d.kind();
+                              return true;
+                          });
+        return kind;
+    });
 }
 
 int OffsetRgn(HRGN handle, int x, int y)
 {
-    int kind = ERROR;
-    table().write(handle, [&](Region& r) {
-        try {
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        int kind = ERROR;
+        table().write(handle, [&](Region& r) {
             if (!offset(r, x, y)) return false;
-        } catch (const std::bad_alloc&) {
-            return false;
-        }
-        checkForm(r, "OffsetRgn");
-        kind = r.kind();
-        return true;
+            checkForm(r, "OffsetRgn");
+            kind = r.kind();
+            return true;
+        });
+        return kind;
     });
-    return kind;
 }
 
 DWORD GetRegionData(HRGN handle, DWORD size, LPRGNDATA data)
 {
-    DWORD result = 0;
-    table().read(handle, [&](const Region& r) {
-        int n = 0;
-        const Box* boxes = r.boxes(n);
-        const std::uint64_t need = sizeof(RGNDATAHEADER) + std::uint64_t(n) * sizeof(RECT);
-        if (need > std::numeric_limits<DWORD>::max()) return;
-        if (!data) {
+    return guarded(static_cast<DWORD>(0), [&]() -> DWORD {
+        DWORD result = 0;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* boxes = r.boxes(n);
+            const std::uint64_t need = sizeof(RGNDATAHEADER) + std::uint64_t(n) * sizeof(RECT);
+            if (need > std::numeric_limits<DWORD>::max()) return;
+            if (!data) {
+                result = static_cast<DWORD>(need);
+                return;
+            }
+            if (size < need) return;
+            const Box bound = r.bound();
+            data->rdh.dwSize = sizeof(RGNDATAHEADER);
+            data->rdh.iType = RDH_RECTANGLES;
+            data->rdh.nCount = static_cast<DWORD>(n);
+            data->rdh.nRgnSize = static_cast<DWORD>(n * sizeof(RECT));
+            data->rdh.rcBound = RECT{bound.x1, bound.y1, bound.x2, bound.y2};
+            char* at = reinterpret_cast<char*>(data) + sizeof(RGNDATAHEADER);
+            for (int i = 0; i < n; ++i) {
+                const RECT rc{boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2};
+                std::memcpy(at + i * sizeof(RECT), &rc, sizeof rc);
+            }
             result = static_cast<DWORD>(need);
-            return;
-        }
-        if (size < need) return;
-        const Box bound = r.bound();
-        data->rdh.dwSize = sizeof(RGNDATAHEADER);
-        data->rdh.iType = RDH_RECTANGLES;
-        data->rdh.nCount = static_cast<DWORD>(n);
-        data->rdh.nRgnSize = static_cast<DWORD>(n * sizeof(RECT));
-        data->rdh.rcBound = RECT{bound.x1, bound.y1, bound.x2, bound.y2};
-        char* at = reinterpret_cast<char*>(data) + sizeof(RGNDATAHEADER);
-        for (int i = 0; i < n; ++i) {
-            const RECT rc{boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2};
-            std::memcpy(at + i * sizeof(RECT), &rc, sizeof rc);
-        }
-        result = static_cast<DWORD>(need);
+        });
+        return result;
     });
-    return result;
 }
 
 int GetRgnBox(HRGN handle, LPRECT rect)
 {
-    if (!rect) return ERROR;
-    int kind = ERROR;
-    table().read(handle, [&](const Region& r) {
-        const Box b = r.bound();
-        *rect = RECT{b.x1, b.y1, b.x2, b.y2};
-        kind = r.kind();
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        if (!rect) return ERROR;
+        int kind = ERROR;
+        table().read(handle, [&](const Region& r) {
+            const Box b = r.bound();
+            *rect = RECT{b.x1, b.y1, b.x2, b.y2};
+            kind = r.kind();
+        });
+        return kind;
     });
-    return kind;
 }
 
 BOOL PtInRegion(HRGN handle, int x, int y)
 {
-    BOOL in = FALSE;
-    table().read(handle, [&](const Region& r) {
-        int n = 0;
-        const Box* b = r.boxes(n);
-        const Box e = r.bound();
-        if (n == 0 || x < e.x1 || x >= e.x2 || y < e.y1 || y >= e.y2) return;
-        for (int i = 0; i < n && !in; ++i)
-            in = x >= b[i].x1 && x < b[i].x2 && y >= b[i].y1 && y < b[i].y2;
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        BOOL in = FALSE;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* b = r.boxes(n);
+            const Box e = r.bound();
+            if (n == 0 || x < e.x1 || x >= e.x2 || y < e.y1 || y >= e.y2) return;
+            for (int i = 0; i < n && !in; ++i)
+                in = x >= b[i].x1 && x < b[i].x2 && y >= b[i].y1 && y < b[i].y2;
+        });
+        return in;
     });
-    return in;
 }
 
 BOOL RectInRegion(HRGN handle, const RECT* rect)
 {
-    if (!rect) return FALSE;
-    const Box nb = normalized(rect->left, rect->top, rect->right, rect->bottom);
-    const RECT rc{nb.x1, nb.y1, nb.x2, nb.y2};
-    BOOL in = FALSE;
-    table().read(handle, [&](const Region& r) {
-        int n = 0;
-        const Box* b = r.boxes(n);
-        if (n == 0 || !boxTouches(r.bound(), rc)) return;
-        // As on the platform: the rectangle's top left pixel counts, so an empty rectangle
-        // whose corner lies in the region is in it.
-        for (int i = 0; i < n && !in; ++i)
-            in = boxTouches(b[i], rc) || (rc.left >= b[i].x1 && rc.left < b[i].x2 &&
-                                          rc.top >= b[i].y1 && rc.top < b[i].y2);
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        if (!rect) return FALSE;
+        const Box nb = normalized(rect->left, rect->top, rect->right, rect->bottom);
+        const RECT rc{nb.x1, nb.y1, nb.x2, nb.y2};
+        BOOL in = FALSE;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* b = r.boxes(n);
+            if (n == 0 || !boxTouches(r.bound(), rc)) return;
+            // As on the platform: the rectangle's top left pixel counts, so an empty rectangle
+            // whose corner lies in the region is in it.
+            for (int i = 0; i < n && !in; ++i)
+                in = boxTouches(b[i], rc) || (rc.left >= b[i].x1 && rc.left < b[i].x2 &&
+                                              rc.top >= b[i].y1 && rc.top < b[i].y2);
+        });
+        return in;
     });
-    return in;
 }
 
 BOOL EqualRgn(HRGN region1, HRGN region2)
 {
-    BOOL equal = FALSE;
-    table().readTwo(region1, region2, [&](const Region& a, const Region& b) {
-        int na = 0, nb = 0;
-        const Box* ba = a.boxes(na);
-        const Box* bb = b.boxes(nb);
-        if (na != nb) return;
-        const Box ea = a.bound(), eb = b.bound();
-        if (ea.x1 != eb.x1 || ea.y1 != eb.y1 || ea.x2 != eb.x2 || ea.y2 != eb.y2) return;
-        for (int i = 0; i < na; ++i)
-            if (ba[i].x1 != bb[i].x1 || ba[i].y1 != bb[i].y1 || ba[i].x2 != bb[i].x2 ||
-                ba[i].y2 != bb[i].y2)
-                return;
-        equal = TRUE;
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        BOOL equal = FALSE;
+        table().readTwo(region1, region2, [&](const Region& a, const Region& b) {
+            int na = 0, nb = 0;
+            const Box* ba = a.boxes(na);
+            const Box* bb = b.boxes(nb);
+            if (na != nb) return;
+            const Box ea = a.bound(), eb = b.bound();
+            if (ea.x1 != eb.x1 || ea.y1 != eb.y1 || ea.x2 != eb.x2 || ea.y2 != eb.y2) return;
+            for (int i = 0; i < na; ++i)
+                if (ba[i].x1 != bb[i].x1 || ba[i].y1 != bb[i].y1 || ba[i].x2 != bb[i].x2 ||
+                    ba[i].y2 != bb[i].y2)
+                    return;
+            equal = TRUE;
+        });
+        return equal;
     });
-    return equal;
 }
 
 BOOL DeleteObject(HGDIOBJ object)
 {
-    return table().erase(static_cast<HRGN>(object)) ? TRUE : FALSE;
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        return table().erase(static_cast<HRGN>(object)) ? TRUE : FALSE;
+    });
 }
 
 HANDLE GetCurrentProcess(void)
@@ -867,8 +971,9 @@ HANDLE GetCurrentProcess(void)
 
 DWORD GetGuiResources(HANDLE process, DWORD flags)
 {
-    if (process != GetCurrentProcess() || flags != GR_GDIOBJECTS) return 0;
-    return table().live();
+    return guarded(static_cast<DWORD>(0), [&]() -> DWORD {
+        if (process != GetCurrentProcess() || flags != GR_GDIOBJECTS) return 0;
+        return static_cast<DWORD>(table().live());
+    });
 }
-
 } // extern "C"
