@@ -38,6 +38,7 @@
 #include <quillon/Region>
 
 #include "HandleTable.h"
+#include "RegionUnion.h"
 
 #include <pixman.h>
 
@@ -744,6 +745,88 @@ std::unique_ptr<Region> newRegion() { return std::unique_ptr<Region>(new (std::n
 
 } // namespace
 
+// ----- the union of many pieces ----------------------------------------------------------------
+
+// The union of many regions at once, the same, rectangle for rectangle, as joining them one by
+// one with the union above: a row that one part alone covers keeps that part's rectangles as they
+// are (touching pairs included), a row that two or more parts cover gets their spans joined where
+// they overlap or touch, and neighbouring bands with the same spans are one band. Parts are
+// swept from top to bottom; the work is the rectangles of the parts and of the result, with a
+// sort of each row's spans.
+bool unionAll(const std::vector<const Region*>& parts, Region& out)
+{
+    struct Band {
+        std::int32_t top, bottom;
+        const Box* first;
+        int n;
+    };
+    std::vector<Band> bands;
+    for (const Region* part : parts) {
+        int n = 0;
+        const Box* b = part->boxes(n);
+        for (int i = 0; i < n;) {
+            int j = i + 1;
+            while (j < n && b[j].y1 == b[i].y1) ++j;
+            bands.push_back(Band{b[i].y1, b[i].y2, b + i, j - i});
+            i = j;
+        }
+    }
+    std::stable_sort(bands.begin(), bands.end(),
+                     [](const Band& a, const Band& b) { return a.top < b.top; });
+    std::vector<Box> boxes;
+    std::vector<const Band*> active;
+    std::vector<Span> row, prev;
+    std::size_t prevStart = 0; // first box of the last band written
+    std::int64_t prevBottom = std::numeric_limits<std::int64_t>::min();
+    Box bound{0, 0, 0, 0};
+    std::size_t next = 0;
+    std::int64_t y = bands.empty() ? 0 : bands[0].top;
+    while (next < bands.size() || !active.empty()) {
+        active.erase(std::remove_if(active.begin(), active.end(),
+                                    [y](const Band* b) { return b->bottom <= y; }),
+                     active.end());
+        if (active.empty() && next < bands.size() && bands[next].top > y) y = bands[next].top;
+        while (next < bands.size() && bands[next].top <= y) active.push_back(&bands[next++]);
+        if (active.empty()) continue;
+        std::int64_t end = next < bands.size() ? bands[next].top : std::numeric_limits<std::int64_t>::max();
+        for (const Band* b : active) end = std::min<std::int64_t>(end, b->bottom);
+        row.clear();
+        if (active.size() == 1) {
+            const Band& b = *active[0];
+            for (int i = 0; i < b.n; ++i) row.push_back(Span{b.first[i].x1, b.first[i].x2});
+        } else {
+            for (const Band* b : active)
+                for (int i = 0; i < b->n; ++i) row.push_back(Span{b->first[i].x1, b->first[i].x2});
+            std::sort(row.begin(), row.end(),
+                      [](const Span& a, const Span& b) { return a.x1 < b.x1; });
+            std::size_t kept = 0;
+            for (const Span& s : row) {
+                if (kept > 0 && row[kept - 1].x2 >= s.x1)
+                    row[kept - 1].x2 = std::max(row[kept - 1].x2, s.x2);
+                else
+                    row[kept++] = s;
+            }
+            row.resize(kept);
+        }
+        if (prevBottom == y && row == prev) {
+            for (std::size_t i = prevStart; i < boxes.size(); ++i) boxes[i].y2 = static_cast<std::int32_t>(end);
+        } else {
+            if (boxes.size() + row.size() > kMaxRects) return false;
+            prevStart = boxes.size();
+            for (const Span& s : row)
+                boxes.push_back(Box{s.x1, static_cast<std::int32_t>(y), s.x2, static_cast<std::int32_t>(end)});
+            if (prevStart == 0) bound = Box{row.front().x1, static_cast<std::int32_t>(y), row.back().x2, 0};
+            bound.x1 = std::min(bound.x1, row.front().x1);
+            bound.x2 = std::max(bound.x2, row.back().x2);
+            prev.swap(row);
+        }
+        bound.y2 = static_cast<std::int32_t>(end);
+        prevBottom = end;
+        y = end;
+    }
+    return out.assign(boxes.data(), boxes.size(), bound);
+}
+
 // ----- the functions -----------------------------------------------------------------------------
 
 extern "C" {
@@ -976,4 +1059,55 @@ DWORD GetGuiResources(HANDLE process, DWORD flags)
         return static_cast<DWORD>(table().live());
     });
 }
+HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* counts, int polygons,
+                                   int mode)
+{
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        if (polygons < 0 || (polygons > 0 && (!points || !counts))) return nullptr;
+        auto result = newRegion();
+        if (!result) return nullptr;
+        bool made = false;
+        if (base) {
+            bool wrapped = false;
+            const bool read = table().read(base, [&](const Region& r) {
+                wrapped = r.wrapped;
+                made = result->copyFrom(r);
+            });
+            if (!read || !made || wrapped) return nullptr;
+        }
+        // Pieces are joined in batches of at most about kMaxRects rectangles, each batch with the
+        // union so far: the same result, with the memory of one call bounded.
+        std::vector<std::unique_ptr<Region>> batch;
+        std::size_t batchRects = 0;
+        auto flush = [&]() {
+            std::vector<const Region*> parts;
+            if (made) parts.push_back(result.get());
+            for (const auto& piece : batch) parts.push_back(piece.get());
+            Region joined;
+            if (!unionAll(parts, joined)) return false;
+            result->swap(joined);
+            batch.clear();
+            batchRects = 0;
+            made = true;
+            return true;
+        };
+        const POINT* p = points;
+        for (int i = 0; i < polygons; ++i) {
+            const INT n = counts[i];
+            if (n < 0) return nullptr;
+            auto piece = newRegion();
+            if (!piece) return nullptr;
+            if (makePolygons(p, &n, 1, mode, *piece)) {
+                batchRects += static_cast<std::size_t>(piece->count());
+                batch.push_back(std::move(piece));
+                if (batchRects > kMaxRects && !flush()) return nullptr;
+            }
+            p += n;
+        }
+        if (!batch.empty() && !flush()) return nullptr;
+        if (!made) return nullptr;
+        return publish(std::move(result), "quillon_region_union_polygons");
+    });
+}
+
 } // extern "C"
