@@ -136,6 +136,14 @@ public:
         wrapped = false;
         return true;
     }
+    // Takes over a block of at least two rectangles in order, with the given bounding box.
+    void adopt(pixman_region32_data_t* data, const Box& bound) noexcept
+    {
+        pixman_region32_fini(&r_);
+        r_.extents = bound;
+        r_.data = data;
+        wrapped = false;
+    }
     bool copyFrom(const Region& other) noexcept
     {
         if (&other == this) return true;
@@ -340,6 +348,55 @@ struct Span {
     bool operator==(const Span& o) const noexcept { return x1 == o.x1 && x2 == o.x2; }
 };
 
+// Rectangles written straight into the block a region keeps them in, so that a large result is
+// neither copied nor held twice. Grows by doubling, up to the rectangle limit.
+class BoxBuffer {
+public:
+    BoxBuffer() = default;
+    BoxBuffer(const BoxBuffer&) = delete;
+    BoxBuffer& operator=(const BoxBuffer&) = delete;
+    ~BoxBuffer() { std::free(data_); }
+
+    std::size_t size() const noexcept { return n_; }
+    Box* begin() noexcept { return data_ ? reinterpret_cast<Box*>(data_ + 1) : nullptr; }
+    Box* end() noexcept { return begin() + n_; }
+
+    // Room for k more; false past the limit or when memory runs out.
+    bool reserveMore(std::size_t k) noexcept
+    {
+        if (n_ + k > kMaxRects) return false;
+        if (n_ + k <= capacity_) return true;
+        std::size_t want = std::max<std::size_t>(64, 2 * capacity_);
+        want = std::min(std::max(want, n_ + k), kMaxRects);
+        void* grown = std::realloc(data_, sizeof(pixman_region32_data_t) + want * sizeof(Box));
+        if (!grown) return false;
+        data_ = static_cast<pixman_region32_data_t*>(grown);
+        capacity_ = want;
+        return true;
+    }
+    void push(const Box& b) noexcept { begin()[n_++] = b; } // after reserveMore
+
+    // Gives the rectangles to the region, with the given bounding box; the buffer is then empty.
+    bool handOver(Region& region, const Box& bound) noexcept
+    {
+        if (n_ <= 1) {
+            const bool ok = region.assign(begin(), n_, bound);
+            n_ = 0;
+            return ok;
+        }
+        data_->size = static_cast<long>(capacity_);
+        data_->numRects = static_cast<long>(n_);
+        region.adopt(data_, bound);
+        data_ = nullptr;
+        n_ = capacity_ = 0;
+        return true;
+    }
+
+private:
+    pixman_region32_data_t* data_ = nullptr;
+    std::size_t n_ = 0, capacity_ = 0;
+};
+
 // Collects the rows' spans as rectangles, joining a row to the band above when its spans are the
 // same.
 class BandWriter {
@@ -347,19 +404,18 @@ public:
     bool add(std::int64_t top, std::int64_t bottom, const std::vector<Span>& spans)
     {
         if (spans.empty()) return true;
-        if (!boxes_.empty() && lastBottom_ == top && spans == lastSpans_) {
-            for (std::size_t i = boxes_.size() - spans.size(); i < boxes_.size(); ++i)
-                boxes_[i].y2 = wrap(bottom);
+        if (boxes_.size() && lastBottom_ == top && spans == lastSpans_) {
+            for (Box* b = boxes_.end() - spans.size(); b != boxes_.end(); ++b) b->y2 = wrap(bottom);
             lastBottom_ = bottom;
             return true;
         }
-        if (boxes_.size() + spans.size() > kMaxRects) return false;
+        if (!boxes_.reserveMore(spans.size())) return false;
+        if (boxes_.size() == 0) bound_ = Box{spans.front().x1, wrap(top), spans.back().x2, 0};
         for (const Span& s : spans) {
-            boxes_.push_back(Box{s.x1, wrap(top), s.x2, wrap(bottom)});
-            bound_.x1 = boxes_.size() == 1 ? s.x1 : std::min(bound_.x1, s.x1);
-            bound_.x2 = boxes_.size() == 1 ? s.x2 : std::max(bound_.x2, s.x2);
+            boxes_.push(Box{s.x1, wrap(top), s.x2, wrap(bottom)});
+            bound_.x1 = std::min(bound_.x1, s.x1);
+            bound_.x2 = std::max(bound_.x2, s.x2);
         }
-        if (boxes_.size() == spans.size()) bound_.y1 = wrap(top);
         lastSpans_ = spans;
         lastBottom_ = bottom;
         return true;
@@ -367,11 +423,12 @@ public:
     bool finish(Region& region)
     {
         bound_.y2 = wrap(lastBottom_);
-        return region.assign(boxes_.data(), boxes_.size(), bound_);
+        if (boxes_.size() == 0) bound_ = Box{0, 0, 0, 0};
+        return boxes_.handOver(region, bound_);
     }
 
 private:
-    std::vector<Box> boxes_;
+    BoxBuffer boxes_;
     std::vector<Span> lastSpans_;
     std::int64_t lastBottom_ = 0;
     Box bound_{0, 0, 0, 0};
@@ -773,7 +830,7 @@ bool unionAll(const std::vector<const Region*>& parts, Region& out)
     }
     std::stable_sort(bands.begin(), bands.end(),
                      [](const Band& a, const Band& b) { return a.top < b.top; });
-    std::vector<Box> boxes;
+    BoxBuffer boxes;
     std::vector<const Band*> active;
     std::vector<Span> row, prev;
     std::size_t prevStart = 0; // first box of the last band written
@@ -809,12 +866,12 @@ bool unionAll(const std::vector<const Region*>& parts, Region& out)
             row.resize(kept);
         }
         if (prevBottom == y && row == prev) {
-            for (std::size_t i = prevStart; i < boxes.size(); ++i) boxes[i].y2 = static_cast<std::int32_t>(end);
+            for (Box* b = boxes.begin() + prevStart; b != boxes.end(); ++b) b->y2 = static_cast<std::int32_t>(end);
         } else {
-            if (boxes.size() + row.size() > kMaxRects) return false;
+            if (!boxes.reserveMore(row.size())) return false;
             prevStart = boxes.size();
             for (const Span& s : row)
-                boxes.push_back(Box{s.x1, static_cast<std::int32_t>(y), s.x2, static_cast<std::int32_t>(end)});
+                boxes.push(Box{s.x1, static_cast<std::int32_t>(y), s.x2, static_cast<std::int32_t>(end)});
             if (prevStart == 0) bound = Box{row.front().x1, static_cast<std::int32_t>(y), row.back().x2, 0};
             bound.x1 = std::min(bound.x1, row.front().x1);
             bound.x2 = std::max(bound.x2, row.back().x2);
@@ -824,7 +881,7 @@ bool unionAll(const std::vector<const Region*>& parts, Region& out)
         prevBottom = end;
         y = end;
     }
-    return out.assign(boxes.data(), boxes.size(), bound);
+    return boxes.handOver(out, bound);
 }
 
 // ----- the functions -----------------------------------------------------------------------------
