@@ -101,14 +101,30 @@ TEST(RegionHostile, NeedlesCostNothingPerRow)
     ASSERT_NE(h, nullptr);
     EXPECT_TRUE(rectsOf(h).empty());
     DeleteObject(h);
-    // At 2^27 - 1 rows, just short of the height that fails, the platform gives an empty region.
+    // 64 of them in one call: their rows add up past 32 bits, and the platform's sum of rows,
+    // which wraps, leaves the region empty.
+    std::vector<POINT> points;
+    std::vector<INT> counts;
+    for (int k = 0; k < 64; ++k) {
+        const std::vector<POINT> n = needle(k, k, INT_MAX - 64 + k, (1 << 26) + k);
+        points.insert(points.end(), n.begin(), n.end());
+        counts.push_back(3);
+    }
+    h = CreatePolyPolygonRgn(points.data(), counts.data(), 64, WINDING);
+    ASSERT_NE(h, nullptr);
+    EXPECT_TRUE(rectsOf(h).empty());
+    DeleteObject(h);
+    // 2^27 - 1 rows, just short of the count that fails: one needle, and 64 sharing them.
     for (int mode : {ALTERNATE, WINDING}) {
-        std::vector<POINT> points;
-        std::vector<INT> counts;
+        const std::vector<POINT> tall = needle(0, 0, INT_MAX, (1 << 27) - 1);
+        h = CreatePolygonRgn(tall.data(), 3, mode);
+        ASSERT_NE(h, nullptr) << "mode " << mode;
+        EXPECT_TRUE(rectsOf(h).empty());
+        DeleteObject(h);
+        points.clear();
         for (int k = 0; k < 64; ++k) {
-            const std::vector<POINT> n = needle(k, k, INT_MAX - 64 + k, (1 << 27) - 1 + k - 64);
+            const std::vector<POINT> n = needle(k, k, INT_MAX - 64 + k, k + (1 << 21) - 1);
             points.insert(points.end(), n.begin(), n.end());
-            counts.push_back(3);
         }
         h = CreatePolyPolygonRgn(points.data(), counts.data(), 64, mode);
         ASSERT_NE(h, nullptr) << "mode " << mode;
@@ -129,10 +145,11 @@ TEST(RegionHostile, NeedlesCostNothingPerRow)
 // by row walk reaches, which for a line in range is the exact x rounded up.
 TEST(RegionHostile, ANeedlePassedOverAtOnceIsWhereTheWalkPutsIt)
 {
-    const std::int64_t X = 1234567891, H = (1 << 27) - 1;
+    // The needle's rows and the rectangles' rows stay under the 2^27 that the platform allows.
+    const std::int64_t X = 1234567891, H = (1 << 27) - 8;
     std::vector<POINT> points = {{LONG(X), LONG(H)}, {0, 0}, {LONG(X), LONG(H)}};
     std::vector<INT> counts = {3};
-    const std::vector<std::int64_t> rows = {1, 7, 999983, 33554431, 67108864, 100000007, H - 2};
+    const std::vector<std::int64_t> rows = {1, 7, 999983, 33554431, 67108864, 100000007, H - 1};
     for (std::int64_t y : rows) {
         // A rectangle of one row wide enough to hold the needle, turning so that the needle's
         // upward edge takes the sum to zero.
@@ -159,33 +176,32 @@ TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
     auto make = [](std::vector<POINT> p, std::vector<INT> c) {
         return CreatePolyPolygonRgn(p.data(), c.data(), static_cast<int>(c.size()), ALTERNATE);
     };
-    // 2^27 rows or more in one polygon: null, also when each edge is shorter.
+    auto count = [](HRGN h) {
+        const std::size_t n = h ? rectsOf(h).size() : std::size_t(-1);
+        if (h) DeleteObject(h);
+        return n;
+    };
+    // The heights of the polygons of two or more points add up; 2^27 rows or more: null, also
+    // when each edge is shorter, and lone points are not measured.
     EXPECT_EQ(make({{0, 0}, {10, T}, {20, 0}}, {3}), nullptr);
     EXPECT_EQ(make({{0, 0}, {10, T / 2 + 10}, {0, T + 10}, {20, T / 2}}, {4}), nullptr);
     EXPECT_EQ(make({{0, INT_MIN}, {10, INT_MIN + T}, {20, INT_MIN}}, {3}), nullptr);
     EXPECT_EQ(make({{0, 0}, {10, 0}, {0, 10}, {5, 0}, {5, 1 << 28}}, {3, 2}), nullptr);
-    // One row less is made; polygons far apart are measured apart; lone points are not measured.
-    HRGN tall = make({{0, 0}, {10, T - 1}, {20, 0}}, {3});
-    ASSERT_NE(tall, nullptr);
-    EXPECT_EQ(rectsOf(tall).size(), 11u);
-    DeleteObject(tall);
-    HRGN apart = make({{0, 0}, {10, 0}, {0, 10}, {0, T}, {10, T}, {0, T + 10}}, {3, 3});
-    ASSERT_NE(apart, nullptr);
-    EXPECT_EQ(rectsOf(apart).size(), 20u);
-    DeleteObject(apart);
-    HRGN lone = make({{0, 0}, {10, 0}, {0, 10}, {5, 1 << 28}}, {3, 1});
-    ASSERT_NE(lone, nullptr);
-    EXPECT_EQ(rectsOf(lone).size(), 10u);
-    DeleteObject(lone);
-    // A height whose difference wraps past 32 bits empties the whole region.
-    for (auto [p, c] : {std::pair<std::vector<POINT>, std::vector<INT>>{{{0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3}},
-                        {{{0, -5}, {10, INT_MAX}, {20, -5}}, {3}},
-                        {{{0, 0}, {10, 0}, {0, 10}, {0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3, 3}}}) {
-        HRGN h = make(p, c);
-        ASSERT_NE(h, nullptr);
-        EXPECT_TRUE(rectsOf(h).empty());
-        DeleteObject(h);
-    }
+    EXPECT_EQ(make({{0, 0}, {5, T / 2}, {10, 0}, {20, 0}, {25, T / 2}, {30, 0}}, {3, 3}), nullptr);
+    EXPECT_EQ(count(make({{0, 0}, {5, T / 2}, {10, 0}, {20, 0}, {25, T / 2 - 1}, {30, 0}}, {3, 3})), 17u);
+    EXPECT_EQ(count(make({{0, 0}, {10, T - 1}, {20, 0}}, {3})), 11u);
+    EXPECT_EQ(count(make({{0, 0}, {10, 0}, {0, 10}, {0, T}, {10, T}, {0, T + 10}}, {3, 3})), 20u);
+    EXPECT_EQ(count(make({{0, 0}, {10, 0}, {0, 10}, {5, 1 << 28}}, {3, 1})), 10u);
+    // A height whose difference wraps past 32 bits, or a sum that does, empties the whole region.
+    const std::vector<std::pair<std::vector<POINT>, std::vector<INT>>> emptied = {
+        {{{0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3}},
+        {{{0, -5}, {10, INT_MAX}, {20, -5}}, {3}},
+        {{{0, 0}, {10, 0}, {0, 10}, {0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3, 3}},
+        {{{0, 0}, {5, T}, {10, 0}, {0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3, 3}},
+        {{{0, 0}, {5, INT_MAX}, {10, 0}, {20, 0}, {25, INT_MAX}, {30, 0}}, {3, 3}},
+        {{{0, 0}, {5, 1 << 30}, {10, 0}, {20, 0}, {25, 1 << 30}, {30, 0}, {40, 0}, {45, 1 << 30}, {50, 0},
+          {60, 0}, {65, 1 << 30}, {70, 0}}, {3, 3, 3, 3}}};
+    for (const auto& [p, c] : emptied) EXPECT_EQ(count(make(p, c)), 0u);
     // A rectangle given as one polygon is taken whole, whatever its height.
     HRGN rect = make({{0, INT_MIN}, {10, INT_MIN}, {10, 0}, {0, 0}}, {4});
     ASSERT_NE(rect, nullptr);

@@ -549,9 +549,10 @@ void setRect(Region& region, const Box& b) noexcept
 }
 
 // Polygon heights as the platform measures them: per polygon of two or more points, the
-// difference of its lowest and highest y in 32-bit arithmetic. One of 2^27 rows or more makes
-// the call fail; one whose difference wrapped around makes the whole region empty.
-constexpr std::int32_t kMaxPolygonHeight = std::int32_t(1) << 27;
+// difference of its lowest and highest y in 32-bit arithmetic, and the sum of these in 32-bit
+// arithmetic too (the rows of its scan). A sum of 2^27 rows or more makes the call fail; a height
+// whose difference wrapped around, or a sum that did, makes the whole region empty.
+constexpr std::int32_t kMaxPolygonRows = std::int32_t(1) << 27;
 // Points the edge list may hold; more fail as an allocation would, before anything is allocated.
 constexpr std::int64_t kMaxPoints = std::int64_t(1) << 24;
 
@@ -574,6 +575,7 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
         return true;
     }
     bool wrapped = false;
+    std::int64_t rows = 0;
     const POINT* p = points;
     for (int i = 0; i < polygons; ++i) {
         const int n = counts[i];
@@ -581,12 +583,13 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
             std::int32_t low = p[0].y, high = p[0].y;
             for (int k = 1; k < n; ++k) low = std::min(low, p[k].y), high = std::max(high, p[k].y);
             const std::int32_t height = wrap(std::int64_t(high) - low);
-            if (height >= kMaxPolygonHeight) return false;
             wrapped |= height < 0;
+            rows += height;
         }
         p += n;
     }
-    if (wrapped) {
+    if (!wrapped && wrap(rows) >= kMaxPolygonRows) return false;
+    if (wrapped || rows >= kMaxPolygonRows) {
         out.clear();
         return true;
     }
