@@ -19,7 +19,9 @@ build_object() { # source, defines...
   fi
   objects+=("$obj")
 }
-build_object "$root/src/platform/Region.cpp" -DNDEBUG
+for f in RegionFunctions RegionAlgebra ScanConversion; do
+  build_object "$root/src/platform/$f.cpp" -DNDEBUG
+done
 build_object "$root/src/scalars/GuardScalars.cpp" -DQUILLON_BUILDING_GUARDSCALARS
 build_object "$root/src/transform/Transform.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/src/transform/RegionMapping.cpp" -DQUILLON_BUILDING_MODULE
