@@ -34,7 +34,7 @@ std::vector<Rect> rectsOf(HRGN h)
     auto* data = reinterpret_cast<RGNDATA*>(store.data());
     if (size == 0 || GetRegionData(h, size, data) != size) return {};
     std::vector<Rect> out(data->rdh.nCount);
-    std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
+    if (!out.empty()) std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
     return out;
 }
 

@@ -293,7 +293,7 @@ void regionRules(Random& r)
 template <class T>
 void regionExtremes(Random& r)
 {
-    Family& far = families["region-mapping-far"];
+    Family& distant = families["region-mapping-far"];
     for (int i = 0; i < kCases / 40; ++i) {
         HRGN region = CreateRectRgn(0, 0, 0, 0);
         const int pieces = 1 + r.below(4);
@@ -316,7 +316,7 @@ void regionExtremes(Random& r)
         case 3: e[5] = T(sign * std::ldexp(1.0, 22 + r.below(6))); break; // tall: 2^22 to 2^27 per row
         default: e[0] = T(sign * stretch); e[3] = T(toward / 2); e[4] = T(r.below(5) - 2); break;
         }
-        far.results.push_back(hashOfRegion(Transform<T>(e) * region));
+        distant.results.push_back(hashOfRegion(Transform<T>(e) * region));
         DeleteObject(region);
     }
 }
