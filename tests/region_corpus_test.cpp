@@ -80,8 +80,8 @@ const std::vector<SafeAnswer>& safeAnswers()
     return answers;
 }
 
-// The platform's transcript with the safe answers put in; fails the test if a listed command is
-// missing or printed something else than listed.
+// The platform's transcript with the safe answers put in (on Windows, where the platform's own
+// functions run, as it is); fails the test if a listed command printed something else than listed.
 std::vector<std::string> expectedHere(const CorpusCase& c)
 {
     std::vector<std::string> out;
@@ -93,7 +93,11 @@ std::vector<std::string> expectedHere(const CorpusCase& c)
             std::vector<std::string> printed;
             while (i + 1 < t.size() && t[i + 1].rfind("= ", 0) == 0) printed.push_back(t[++i]);
             EXPECT_EQ(printed, a.platform) << c.name << ": " << a.command;
+#if defined(_WIN32) // the platform's own functions give the platform's answer
+            out.insert(out.end(), printed.begin(), printed.end());
+#else
             out.insert(out.end(), a.here.begin(), a.here.end());
+#endif
         }
     }
     return out;
