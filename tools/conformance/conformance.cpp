@@ -305,16 +305,25 @@ void regionExtremes(Random& r)
             DeleteObject(piece);
         }
         T e[16] = {T(1), T(0), T(0), T(0), T(0), T(1), T(0), T(0), T(0), T(0), T(1), T(0), T(0), T(0), T(0), T(1)};
+        // Every draw is its own statement, so that the draws stay aligned between compilers.
         const int kind = r.below(5);
-        const double stretch = std::ldexp(1.0 + r.below(8) / 8.0, 20 + r.below(11));
+        const int mantissa = r.below(8);
+        const int power = r.below(11);
         const double sign = r.sign();
-        const double toward = r.sign() * std::ldexp(1.0, 31) - r.below(3) * std::ldexp(1.0, 20);
+        const double side = r.sign();
+        const int back = r.below(3);
+        const int shear = r.below(13);
+        const int move = r.below(100);
+        const int tall = r.below(6);
+        const int tilt = r.below(5);
+        const double stretch = std::ldexp(1.0 + mantissa / 8.0, 20 + power);
+        const double toward = side * std::ldexp(1.0, 31) - back * std::ldexp(1.0, 20);
         switch (kind) {
-        case 0: e[0] = T(sign * stretch); break;                       // wide
-        case 1: e[1] = T(sign * std::ldexp(1.0, 10 + r.below(13))); break; // each row moved far
-        case 2: e[3] = T(toward); e[7] = T(r.below(100) - 50); break;  // to the limits and past them
-        case 3: e[5] = T(sign * std::ldexp(1.0, 22 + r.below(6))); break; // tall: 2^22 to 2^27 per row
-        default: e[0] = T(sign * stretch); e[3] = T(toward / 2); e[4] = T(r.below(5) - 2); break;
+        case 0: e[0] = T(sign * stretch); break;                            // wide
+        case 1: e[1] = T(sign * std::ldexp(1.0, 10 + shear)); break;        // each row moved far
+        case 2: e[3] = T(toward); e[7] = T(move - 50); break;               // to the limits and past
+        case 3: e[5] = T(sign * std::ldexp(1.0, 22 + tall)); break;         // 2^22 to 2^27 per row
+        default: e[0] = T(sign * stretch); e[3] = T(toward / 2); e[4] = T(tilt - 2); break;
         }
         distant.results.push_back(hashOfRegion(Transform<T>(e) * region));
         DeleteObject(region);
