@@ -62,14 +62,15 @@ void setRect(Region& region, const Box& b) noexcept
 
 // ----- set operations --------------------------------------------------------------------------
 
-// How many rectangles a set operation may give, counted without making it. Row by row a pixel
+// How many rectangles a set operation may give, counted without making it (or, with exact
+// false, a bound on it from the bands' sizes alone). Row by row a pixel
 // is in the result when keep(in a, in b) says so; stretches of rows where neither operand
 // changes its band give one band each, and a band that repeats the one just above it adds
 // nothing. Touching rectangles are counted as one, so the count can fall short of the result by
 // rectangles kept apart; the result is checked again once it is made. Stops early once the
 // count passes stopAbove.
 template <class Keep>
-std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t stopAbove)
+std::size_t countResult(const Region& a, const Region& b, Keep keep, std::size_t stopAbove, bool exact)
 {
     int na = 0, nb = 0;
     const Box* ba = a.boxes(na);
@@ -112,6 +113,12 @@ std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t 
         y = std::max(y, std::min(aTop, bTop));
         const bool inA = aTop <= y, inB = bTop <= y;
         const std::int64_t end = std::min(inA ? aBottom : aTop, inB ? bBottom : bTop);
+        if (!exact) { // at most the two bands' rectangles together
+            count += std::size_t(inA ? ea - ia : 0) + std::size_t(inB ? eb - ib : 0);
+            if (count > stopAbove) return count;
+            y = end;
+            continue;
+        }
         if (inA) spansOf(ba, ia, ea, sa); else sa.clear();
         if (inB) spansOf(bb, ib, eb, sb); else sb.clear();
         // Walk the edges of both span lists from left to right.
@@ -142,6 +149,16 @@ std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t 
         y = end;
     }
     return count;
+}
+
+// First the bound that costs one step per band: no stretch of rows gives more rectangles than the
+// two operands' bands there hold together. Only past the limit is the count made exactly, with the
+// work of the operation itself.
+template <class Keep>
+std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t stopAbove)
+{
+    const std::size_t bound = countResult(a, b, keep, stopAbove, false);
+    return bound <= stopAbove ? bound : countResult(a, b, keep, stopAbove, true);
 }
 
 bool keepBoth(bool a, bool b) noexcept { return a && b; }
