@@ -35,6 +35,74 @@ std::vector<CorpusCase> loadCorpus()
     return cases;
 }
 
+// Where the platform's answer is unsafe, the region layer gives the safe one instead:
+//  - ExtCreateRegion with a byte count too small for the rectangles its header announces reads
+//    past the caller's buffer there; here it fails.
+//  - A polygon of one point before other polygons throws the platform's scan off: it gives
+//    rectangles that are no region (a left beyond its right, rectangles outside the bounding box,
+//    in a larger case a hundred million of them). Here a lone point adds nothing, as it does
+//    where it comes last.
+// Each entry: the case, the command, what the platform printed for it (checked, so that a new
+// recording is looked at again) and what is printed here.
+struct SafeAnswer {
+    const char* caseName;
+    const char* command;
+    std::vector<std::string> platform;
+    std::vector<std::string> here;
+};
+
+const std::vector<SafeAnswer>& safeAnswers()
+{
+    static const std::vector<SafeAnswer> answers = {
+        {"ext headers", "extraw 3 32 1 1 0 1 2 11 12", {"= 1"}, {"= 0"}},
+        {"ext headers", "data 3",
+         {"= size 48 48", "= got 48 hdr 32 1 1 16 1 2 11 12 small 0", "= rects 1 2 11 12"},
+         {"= size 0 0"}},
+        {"ext headers", "extraw 5 32 1 2 48 0 0 10 10 20 20 30 30", {"= 1"}, {"= 0"}},
+        {"ext headers", "data 5",
+         {"= size 64 64", "= got 64 hdr 32 1 2 32 0 0 30 30 small 0", "= rects 0 0 10 10 20 20 30 30"},
+         {"= size 0 0"}},
+        {"polypolygon heights mode 1", "data 9",
+         {"= size 256 256", "= got 256 hdr 32 1 14 224 0 0 17 9 small 0",
+          "= rects 0 0 10 1 20 0 0 1 9 1 17 2 0 2 8 3 13 2 0 3 3 3 7 4 0 4 4 5 6 4 7 5 13 4 0 5 5 5 17 6 "
+          "0 6 4 7 21 6 0 7 3 7 0 8 2 8 0 9"},
+         {"= size 304 304", "= got 304 hdr 32 1 17 272 0 0 30 10 small 0",
+          "= rects 0 0 10 1 20 0 30 1 0 1 9 2 21 1 30 2 0 2 8 3 22 2 29 3 0 3 7 4 23 3 28 4 0 4 6 5 23 4 28 5 "
+          "0 5 5 6 24 5 27 6 0 6 4 7 25 6 26 7 0 7 3 8 0 8 2 9 0 9 1 10"}},
+        {"polypolygon heights mode 2", "data 9",
+         {"= size 224 224", "= got 224 hdr 32 1 12 192 0 0 17 10 small 0",
+          "= rects 0 0 10 1 20 0 0 2 9 1 17 2 0 2 8 3 13 2 0 4 0 4 7 5 13 4 0 6 5 5 17 6 0 6 4 7 21 6 0 8 3 7 "
+          "0 9 2 8 0 10"},
+         {"= size 304 304", "= got 304 hdr 32 1 17 272 0 0 30 10 small 0",
+          "= rects 0 0 10 1 20 0 30 1 0 1 9 2 21 1 30 2 0 2 8 3 22 2 29 3 0 3 7 4 23 3 28 4 0 4 6 5 23 4 28 5 "
+          "0 5 5 6 24 5 27 6 0 6 4 7 25 6 26 7 0 7 3 8 0 8 2 9 0 9 1 10"}},
+    };
+    return answers;
+}
+
+// The platform's transcript with the safe answers put in (on Windows, where the platform's own
+// functions run, as it is); fails the test if a listed command printed something else than listed.
+std::vector<std::string> expectedHere(const CorpusCase& c)
+{
+    std::vector<std::string> out;
+    const auto& t = c.transcript;
+    for (std::size_t i = 0; i < t.size(); ++i) {
+        out.push_back(t[i]);
+        for (const SafeAnswer& a : safeAnswers()) {
+            if (c.name != a.caseName || t[i] != a.command) continue;
+            std::vector<std::string> printed;
+            while (i + 1 < t.size() && t[i + 1].rfind("= ", 0) == 0) printed.push_back(t[++i]);
+            EXPECT_EQ(printed, a.platform) << c.name << ": " << a.command;
+#if defined(_WIN32) // the platform's own functions give the platform's answer
+            out.insert(out.end(), printed.begin(), printed.end());
+#else
+            out.insert(out.end(), a.here.begin(), a.here.end());
+#endif
+        }
+    }
+    return out;
+}
+
 // Runs the commands of one case and returns the transcript they make here.
 std::vector<std::string> replay(const CorpusCase& c)
 {
@@ -55,16 +123,17 @@ TEST(RegionCorpus, EveryCaseGivesThePlatformsResults)
     int matched = 0;
     for (const CorpusCase& c : cases) {
         const std::vector<std::string> got = replay(c);
-        if (got == c.transcript) {
+        const std::vector<std::string> want = expectedHere(c);
+        if (got == want) {
             ++matched;
             continue;
         }
         std::size_t i = 0;
-        while (i < got.size() && i < c.transcript.size() && got[i] == c.transcript[i]) ++i;
-        ADD_FAILURE() << "case \"" << c.name << "\" differs at line " << i + 1 << "\n  platform: "
-                      << (i < c.transcript.size() ? c.transcript[i] : "(end)")
+        while (i < got.size() && i < want.size() && got[i] == want[i]) ++i;
+        ADD_FAILURE() << "case \"" << c.name << "\" differs at line " << i + 1 << "\n  expected: "
+                      << (i < want.size() ? want[i] : "(end)")
                       << "\n  here:     " << (i < got.size() ? got[i] : "(end)")
-                      << (i > 0 ? "\n  after:    " + c.transcript[i - 1] : "");
+                      << (i > 0 ? "\n  after:    " + want[i - 1] : "");
     }
     EXPECT_EQ(matched, static_cast<int>(cases.size()));
 }

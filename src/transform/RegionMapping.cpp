@@ -10,6 +10,10 @@
 #include <quillon/Region>
 #include <quillon/Transform>
 
+#if !defined(_WIN32)
+#include "../platform/RegionUnion.h"
+#endif
+
 #include <cstddef>
 #include <cstdlib>
 #include <utility>
@@ -25,6 +29,75 @@ bool rectanglesFit(const RGNDATA* data, DWORD size) noexcept
     return data->rdh.dwSize >= sizeof(RGNDATAHEADER) && end <= size;
 }
 
+// The four corners of a rectangle's image, around it: top left, top right, bottom right, bottom
+// left.
+template <class T>
+void mappedCorners(const Transform<T>& t, RECT r, POINT corners[4]) noexcept
+{
+    if (r.left > r.right) std::swap(r.left, r.right); // the rectangle, normalised
+    if (r.top > r.bottom) std::swap(r.top, r.bottom);
+    const ThreeDVector<double> topLeft = t * ThreeDVector<double>(r.left, r.top, 0.0);
+    const ThreeDVector<double> topRight = t * ThreeDVector<double>(r.right, r.top, 0.0);
+    const ThreeDVector<double> bottomLeft = t * ThreeDVector<double>(r.left, r.bottom, 0.0);
+    const ThreeDVector<double> bottomRight = t * ThreeDVector<double>(r.right, r.bottom, 0.0);
+    corners[0] = {quillon::truncate(topLeft.GetX()), quillon::truncate(topLeft.GetY())};
+    corners[1] = {quillon::truncate(topRight.GetX()), quillon::truncate(topRight.GetY())};
+    corners[2] = {quillon::truncate(bottomRight.GetX()), quillon::truncate(bottomRight.GetY())};
+    corners[3] = {quillon::truncate(bottomLeft.GetX()), quillon::truncate(bottomLeft.GetY())};
+}
+
+#if defined(_WIN32)
+// The platform's functions: piece after piece joined to the result.
+template <class T>
+HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
+{
+    HRGN result = nullptr;
+    for (DWORD i = 0; i < n; ++i) {
+        POINT corners[4];
+        mappedCorners(t, rects[i], corners);
+        HRGN piece = CreatePolygonRgn(corners, 4, WINDING);
+        if (!piece) continue; // this rectangle is left out
+        if (!result)
+            result = CreatePolygonRgn(corners, 4, WINDING);
+        else
+            CombineRgn(result, result, piece, RGN_OR);
+        DeleteObject(piece);
+    }
+    return result;
+}
+#else
+// The region layer joins the pieces all at once, with the same result as piece after piece:
+// a chunk of pieces at a time, each chunk joined to the union of those before it.
+template <class T>
+HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
+{
+    constexpr DWORD kChunk = 1u << 16;
+    POINT* corners = static_cast<POINT*>(std::malloc(sizeof(POINT) * 4 * (n < kChunk ? n : kChunk)));
+    INT* counts = static_cast<INT*>(std::malloc(sizeof(INT) * (n < kChunk ? n : kChunk)));
+    HRGN result = nullptr;
+    if (corners && counts) {
+        for (DWORD from = 0; from < n; from += kChunk) {
+            const DWORD m = n - from < kChunk ? n - from : kChunk;
+            for (DWORD i = 0; i < m; ++i) {
+                mappedCorners(t, rects[from + i], corners + 4 * i);
+                counts[i] = 4;
+            }
+            HRGN joined = quillon_region_union_polygons(result, corners, counts, static_cast<int>(m), WINDING);
+            if (result && !joined) { // past the rectangle limit, or out of memory
+                DeleteObject(result);
+                result = nullptr;
+                break;
+            }
+            if (result) DeleteObject(result);
+            result = joined;
+        }
+    }
+    std::free(corners);
+    std::free(counts);
+    return result;
+}
+#endif
+
 } // namespace
 
 template <class T>
@@ -38,29 +111,7 @@ HRGN Transform<T>::operator*(HRGN const region) const noexcept
     if (GetRegionData(region, size, data) != 0 && rectanglesFit(data, size) &&
         data->rdh.iType == RDH_RECTANGLES) {
         const auto* rects = reinterpret_cast<const RECT*>(reinterpret_cast<const char*>(data) + data->rdh.dwSize);
-        for (DWORD i = 0; i < data->rdh.nCount; ++i) {
-            RECT r = rects[i];
-            if (r.left > r.right) std::swap(r.left, r.right); // the rectangle, normalised
-            if (r.top > r.bottom) std::swap(r.top, r.bottom);
-            const ThreeDVector<double> topLeft = *this * ThreeDVector<double>(r.left, r.top, 0.0);
-            const ThreeDVector<double> topRight = *this * ThreeDVector<double>(r.right, r.top, 0.0);
-            const ThreeDVector<double> bottomLeft = *this * ThreeDVector<double>(r.left, r.bottom, 0.0);
-            const ThreeDVector<double> bottomRight = *this * ThreeDVector<double>(r.right, r.bottom, 0.0);
-            // Around the rectangle: top left, top right, bottom right, bottom left.
-            const POINT corners[4] = {
-                {quillon::truncate(topLeft.GetX()), quillon::truncate(topLeft.GetY())},
-                {quillon::truncate(topRight.GetX()), quillon::truncate(topRight.GetY())},
-                {quillon::truncate(bottomRight.GetX()), quillon::truncate(bottomRight.GetY())},
-                {quillon::truncate(bottomLeft.GetX()), quillon::truncate(bottomLeft.GetY())},
-            };
-            HRGN piece = CreatePolygonRgn(corners, 4, WINDING);
-            if (!piece) continue; // this rectangle is left out
-            if (!result)
-                result = CreatePolygonRgn(corners, 4, WINDING);
-            else
-                CombineRgn(result, result, piece, RGN_OR);
-            DeleteObject(piece);
-        }
+        result = joinPieces(*this, rects, data->rdh.nCount);
     }
     std::free(data);
     return result;

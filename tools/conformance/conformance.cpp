@@ -285,6 +285,50 @@ void regionRules(Random& r)
     }
 }
 
+
+// Regions mapped where the corners land far away: stretches of 2^20 to 2^30 along x, shears that
+// move a row by up to 2^22, moves to the 32-bit limits and past them (a corner out of range is
+// truncated to -2^31), and stretches along y that make pieces of 2^27 rows or more (which the
+// platform does not make, so they are left out). Rows stay few, so that results stay small.
+template <class T>
+void regionExtremes(Random& r)
+{
+    Family& distant = families["region-mapping-far"];
+    for (int i = 0; i < kCases / 40; ++i) {
+        HRGN region = CreateRectRgn(0, 0, 0, 0);
+        const int pieces = 1 + r.below(4);
+        for (int k = 0; k < pieces; ++k) {
+            const int left = r.below(64) - 32, top = r.below(64) - 32;
+            const int width = 1 + r.below(16), height = 1 + r.below(16);
+            HRGN piece = CreateRectRgn(left, top, left + width, top + height);
+            CombineRgn(region, region, piece, RGN_OR);
+            DeleteObject(piece);
+        }
+        T e[16] = {T(1), T(0), T(0), T(0), T(0), T(1), T(0), T(0), T(0), T(0), T(1), T(0), T(0), T(0), T(0), T(1)};
+        // Every draw is its own statement, so that the draws stay aligned between compilers.
+        const int kind = r.below(5);
+        const int mantissa = r.below(8);
+        const int power = r.below(11);
+        const double sign = r.sign();
+        const double side = r.sign();
+        const int back = r.below(3);
+        const int shear = r.below(13);
+        const int move = r.below(100);
+        const int tall = r.below(6);
+        const int tilt = r.below(5);
+        const double stretch = std::ldexp(1.0 + mantissa / 8.0, 20 + power);
+        const double toward = side * std::ldexp(1.0, 31) - back * std::ldexp(1.0, 20);
+        switch (kind) {
+        case 0: e[0] = T(sign * stretch); break;                            // wide
+        case 1: e[1] = T(sign * std::ldexp(1.0, 10 + shear)); break;        // each row moved far
+        case 2: e[3] = T(toward); e[7] = T(move - 50); break;               // to the limits and past
+        case 3: e[5] = T(sign * std::ldexp(1.0, 22 + tall)); break;         // 2^22 to 2^27 per row
+        default: e[0] = T(sign * stretch); e[3] = T(toward / 2); e[4] = T(tilt - 2); break;
+        }
+        distant.results.push_back(hashOfRegion(Transform<T>(e) * region));
+        DeleteObject(region);
+    }
+}
 } // namespace
 
 int main(int argc, char** argv)
@@ -302,6 +346,7 @@ int main(int argc, char** argv)
     // The trig draws come last in each transform pass, so the draws stay aligned between builds.
     transformRules<float>(r); transformRules<double>(r); transformRules<guarddouble>(r);
     regionRules<float>(r); regionRules<double>(r); regionRules<guarddouble>(r);
+    regionExtremes<float>(r); regionExtremes<double>(r); regionExtremes<guarddouble>(r);
 
     std::uint64_t all = 0xCBF29CE484222325u, exact = all;
     for (const auto& [name, family] : families) {

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Runs every fuzz target from its committed seeds, each input limited to one second.
+#   fuzz/run.sh BUILD_DIR runs N     a fixed number of executions per target (the test command)
+#   fuzz/run.sh BUILD_DIR seconds S  S seconds per target (long runs by hand)
+# Prints executions per target and any finding; exits non-zero on a finding.
+set -uo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+out=$1 how=$2 amount=$3
+"$here/build.sh" "$out" || exit 1
+status=0
+for target in ext_create_region polygons region_calls scalars region_mapping; do
+  work=$(mktemp -d)
+  if [ "$how" = runs ]; then limit=(-runs="$amount"); else limit=(-max_total_time="$amount"); fi
+  log=$work/log
+  (cd "$work" && "$out/$target" "${limit[@]}" -timeout=1 -rss_limit_mb=2560 -print_final_stats=1 \
+      "$work" "$here/seeds/$target" >"$log" 2>&1)
+  rc=$?
+  execs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$')
+  if [ $rc -ne 0 ]; then
+    echo "== $target: FINDING after ${execs:-?} executions"
+    grep -E 'ERROR|SUMMARY|runtime error' "$log" | head -5
+    mkdir -p "$out/findings" && cp "$work"/crash-* "$work"/timeout-* "$work"/leak-* "$work"/oom-* "$out/findings/" 2>/dev/null
+    status=1
+  else
+    echo "== $target: ${execs:-?} executions, no finding"
+  fi
+  rm -rf "$work"
+done
+exit $status

@@ -1,0 +1,356 @@
+/* libquillon_region: regions and region handles where the platform has none. The functions of
+ * the platform's region API, each a call into the region algebra (RegionAlgebra.h), the scan
+ * conversion (ScanConversion.h) and the handle table (HandleTable.h).
+ *
+ * Handles are tokens of a slot index and a generation, looked up in one table guarded by a
+ * reader-writer lock; a region lives in its slot until DeleteObject. No exception leaves a
+ * function: each runs guarded, and a failure inside gives the function's failure value.
+ */
+#define QUILLON_BUILDING_REGION
+#include <quillon/Region>
+
+#include "HandleTable.h"
+#include "RegionAlgebra.h"
+#include "RegionUnion.h"
+#include "ScanConversion.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+static_assert(sizeof(RECT) == 16, "RECT is four 32-bit integers");
+static_assert(sizeof(POINT) == 8, "POINT is two 32-bit integers");
+static_assert(sizeof(RGNDATAHEADER) == 32, "RGNDATAHEADER is 32 bytes");
+static_assert(offsetof(RGNDATA, Buffer) == 32, "the rectangles follow the header");
+
+using namespace quillon::region_detail;
+
+namespace {
+
+bool boxTouches(const Box& b, const RECT& r) noexcept
+{
+    return b.x2 > r.left && b.x1 < r.right && b.y2 > r.top && b.y1 < r.bottom;
+}
+
+// ----- handles ---------------------------------------------------------------------------------
+
+using Table = quillon::region_detail::HandleTable<Region>;
+
+// Never destroyed: handles stay usable from threads that outlive static destruction.
+Table& table()
+{
+    static Table* t = new Table;
+    return *t;
+}
+
+HRGN publish(std::unique_ptr<Region> region, const char* operation)
+{
+    checkForm(*region, operation);
+    return static_cast<HRGN>(table().insert(std::move(region)));
+}
+
+// Runs f and returns what it returns; an exception from anywhere inside gives the failure value
+// instead, so that none leaves a region function.
+template <class R, class F>
+R guarded(R failure, F&& f) noexcept
+{
+    try {
+        return f();
+    } catch (...) {
+        return failure;
+    }
+}
+
+std::unique_ptr<Region> newRegion() { return std::unique_ptr<Region>(new (std::nothrow) Region); }
+
+} // namespace
+
+// ----- the functions -----------------------------------------------------------------------------
+
+extern "C" {
+
+HRGN CreateRectRgn(int left, int top, int right, int bottom)
+{
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        auto region = newRegion();
+        if (!region) return nullptr;
+        setRect(*region, normalized(left, top, right, bottom));
+        return publish(std::move(region), "CreateRectRgn");
+    });
+}
+
+HRGN CreateRectRgnIndirect(const RECT* rect)
+{
+    if (!rect) return nullptr;
+    return CreateRectRgn(rect->left, rect->top, rect->right, rect->bottom);
+}
+
+BOOL SetRectRgn(HRGN handle, int left, int top, int right, int bottom)
+{
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        return table().write(handle, [&](Region& r) {
+            setRect(r, normalized(left, top, right, bottom));
+            checkForm(r, "SetRectRgn");
+            return true;
+        });
+    });
+}
+
+HRGN CreatePolyPolygonRgn(const POINT* points, const INT* counts, int polygons, int mode)
+{
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        auto region = newRegion();
+        if (!region) return nullptr;
+        if (!makePolygons(points, counts, polygons, mode, *region)) return nullptr;
+        return publish(std::move(region), "CreatePolyPolygonRgn");
+    });
+}
+
+HRGN CreatePolygonRgn(const POINT* points, int count, int mode)
+{
+    return CreatePolyPolygonRgn(points, &count, 1, mode);
+}
+
+HRGN ExtCreateRegion(const XFORM* xform, DWORD size, const RGNDATA* data)
+{
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        // The header and the nCount rectangles after it must lie inside the size bytes given;
+        // nothing past them is read.
+        if (xform || !data || size < sizeof(RGNDATAHEADER)) return nullptr;
+        if (data->rdh.dwSize < sizeof(RGNDATAHEADER)) return nullptr;
+        const DWORD n = data->rdh.nCount;
+        if (n > kMaxRects || sizeof(RGNDATAHEADER) + std::uint64_t(n) * sizeof(RECT) > size)
+            return nullptr;
+        auto region = newRegion();
+        if (!region) return nullptr;
+        std::vector<Box> boxes;
+        boxes.reserve(n);
+        const char* at = reinterpret_cast<const char*>(data) + sizeof(RGNDATAHEADER);
+        for (DWORD i = 0; i < n; ++i) {
+            RECT r;
+            std::memcpy(&r, at + std::size_t(i) * sizeof(RECT), sizeof r);
+            if (r.left < r.right && r.top < r.bottom)
+                boxes.push_back(Box{r.left, r.top, r.right, r.bottom});
+        }
+        if (!boxes.empty()) {
+            pixman_region32_fini(region->get());
+            if (!pixman_region32_init_rects(region->get(), boxes.data(),
+                                            static_cast<int>(boxes.size()))) {
+                pixman_region32_init(region->get());
+                return nullptr;
+            }
+            if (static_cast<std::size_t>(region->count()) > kMaxRects) return nullptr;
+        }
+        return publish(std::move(region), "ExtCreateRegion");
+    });
+}
+
+int CombineRgn(HRGN destination, HRGN source1, HRGN source2, int mode)
+{
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        if (mode < RGN_AND || mode > RGN_COPY) return ERROR;
+        int kind = ERROR;
+        table().writeWith(destination, source1, source2, mode != RGN_COPY,
+                          [&](Region& d, const Region& a, const Region& b) {
+                              if (!combine(d, a, b, mode)) return false;
+                              checkForm(d, "CombineRgn");
+                              kind = d.kind();
+                              return true;
+                          });
+        return kind;
+    });
+}
+
+int OffsetRgn(HRGN handle, int x, int y)
+{
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        int kind = ERROR;
+        table().write(handle, [&](Region& r) {
+            if (!offset(r, x, y)) return false;
+            checkForm(r, "OffsetRgn");
+            kind = r.kind();
+            return true;
+        });
+        return kind;
+    });
+}
+
+DWORD GetRegionData(HRGN handle, DWORD size, LPRGNDATA data)
+{
+    return guarded(static_cast<DWORD>(0), [&]() -> DWORD {
+        DWORD result = 0;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* boxes = r.boxes(n);
+            const std::uint64_t need = sizeof(RGNDATAHEADER) + std::uint64_t(n) * sizeof(RECT);
+            if (need > std::numeric_limits<DWORD>::max()) return;
+            if (!data) {
+                result = static_cast<DWORD>(need);
+                return;
+            }
+            if (size < need) return;
+            const Box bound = r.bound();
+            data->rdh.dwSize = sizeof(RGNDATAHEADER);
+            data->rdh.iType = RDH_RECTANGLES;
+            data->rdh.nCount = static_cast<DWORD>(n);
+            data->rdh.nRgnSize = static_cast<DWORD>(n * sizeof(RECT));
+            data->rdh.rcBound = RECT{bound.x1, bound.y1, bound.x2, bound.y2};
+            char* at = reinterpret_cast<char*>(data) + sizeof(RGNDATAHEADER);
+            for (int i = 0; i < n; ++i) {
+                const RECT rc{boxes[i].x1, boxes[i].y1, boxes[i].x2, boxes[i].y2};
+                std::memcpy(at + i * sizeof(RECT), &rc, sizeof rc);
+            }
+            result = static_cast<DWORD>(need);
+        });
+        return result;
+    });
+}
+
+int GetRgnBox(HRGN handle, LPRECT rect)
+{
+    return guarded(static_cast<int>(ERROR), [&]() -> int {
+        if (!rect) return ERROR;
+        int kind = ERROR;
+        table().read(handle, [&](const Region& r) {
+            const Box b = r.bound();
+            *rect = RECT{b.x1, b.y1, b.x2, b.y2};
+            kind = r.kind();
+        });
+        return kind;
+    });
+}
+
+BOOL PtInRegion(HRGN handle, int x, int y)
+{
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        BOOL in = FALSE;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* b = r.boxes(n);
+            const Box e = r.bound();
+            if (n == 0 || x < e.x1 || x >= e.x2 || y < e.y1 || y >= e.y2) return;
+            for (int i = 0; i < n && !in; ++i)
+                in = x >= b[i].x1 && x < b[i].x2 && y >= b[i].y1 && y < b[i].y2;
+        });
+        return in;
+    });
+}
+
+BOOL RectInRegion(HRGN handle, const RECT* rect)
+{
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        if (!rect) return FALSE;
+        const Box nb = normalized(rect->left, rect->top, rect->right, rect->bottom);
+        const RECT rc{nb.x1, nb.y1, nb.x2, nb.y2};
+        BOOL in = FALSE;
+        table().read(handle, [&](const Region& r) {
+            int n = 0;
+            const Box* b = r.boxes(n);
+            if (n == 0 || !boxTouches(r.bound(), rc)) return;
+            // As on the platform: the rectangle's top left pixel counts, so an empty rectangle
+            // whose corner lies in the region is in it.
+            for (int i = 0; i < n && !in; ++i)
+                in = boxTouches(b[i], rc) || (rc.left >= b[i].x1 && rc.left < b[i].x2 &&
+                                              rc.top >= b[i].y1 && rc.top < b[i].y2);
+        });
+        return in;
+    });
+}
+
+BOOL EqualRgn(HRGN region1, HRGN region2)
+{
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        BOOL equal = FALSE;
+        table().readTwo(region1, region2, [&](const Region& a, const Region& b) {
+            int na = 0, nb = 0;
+            const Box* ba = a.boxes(na);
+            const Box* bb = b.boxes(nb);
+            if (na != nb) return;
+            const Box ea = a.bound(), eb = b.bound();
+            if (ea.x1 != eb.x1 || ea.y1 != eb.y1 || ea.x2 != eb.x2 || ea.y2 != eb.y2) return;
+            for (int i = 0; i < na; ++i)
+                if (ba[i].x1 != bb[i].x1 || ba[i].y1 != bb[i].y1 || ba[i].x2 != bb[i].x2 ||
+                    ba[i].y2 != bb[i].y2)
+                    return;
+            equal = TRUE;
+        });
+        return equal;
+    });
+}
+
+BOOL DeleteObject(HGDIOBJ object)
+{
+    return guarded(static_cast<BOOL>(FALSE), [&]() -> BOOL {
+        return table().erase(static_cast<HRGN>(object)) ? TRUE : FALSE;
+    });
+}
+
+HANDLE GetCurrentProcess(void)
+{
+    return reinterpret_cast<HANDLE>(std::intptr_t(-1));
+}
+
+DWORD GetGuiResources(HANDLE process, DWORD flags)
+{
+    return guarded(static_cast<DWORD>(0), [&]() -> DWORD {
+        if (process != GetCurrentProcess() || flags != GR_GDIOBJECTS) return 0;
+        return static_cast<DWORD>(table().live());
+    });
+}
+HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* counts, int polygons,
+                                   int mode)
+{
+    return guarded(HRGN(nullptr), [&]() -> HRGN {
+        if (polygons < 0 || (polygons > 0 && (!points || !counts))) return nullptr;
+        auto result = newRegion();
+        if (!result) return nullptr;
+        bool made = false;
+        if (base) {
+            bool wrapped = false;
+            const bool read = table().read(base, [&](const Region& r) {
+                wrapped = r.wrapped;
+                made = result->copyFrom(r);
+            });
+            if (!read || !made || wrapped) return nullptr;
+        }
+        // Pieces are joined in batches of at most about kMaxRects rectangles, each batch with the
+        // union so far: the same result, with the memory of one call bounded.
+        std::vector<std::unique_ptr<Region>> batch;
+        std::size_t batchRects = 0;
+        auto flush = [&]() {
+            std::vector<const Region*> parts;
+            if (made) parts.push_back(result.get());
+            for (const auto& piece : batch) parts.push_back(piece.get());
+            Region joined;
+            if (!unionAll(parts, joined)) return false;
+            result->swap(joined);
+            batch.clear();
+            batchRects = 0;
+            made = true;
+            return true;
+        };
+        const POINT* p = points;
+        for (int i = 0; i < polygons; ++i) {
+            const INT n = counts[i];
+            if (n < 0) return nullptr;
+            auto piece = newRegion();
+            if (!piece) return nullptr;
+            if (makePolygons(p, &n, 1, mode, *piece)) {
+                batchRects += static_cast<std::size_t>(piece->count());
+                batch.push_back(std::move(piece));
+                if (batchRects > kMaxRects && !flush()) return nullptr;
+            }
+            p += n;
+        }
+        if (!batch.empty() && !flush()) return nullptr;
+        if (!made) return nullptr;
+        return publish(std::move(result), "quillon_region_union_polygons");
+    });
+}
+
+} // extern "C"

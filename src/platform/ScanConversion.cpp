@@ -1,0 +1,360 @@
+/* Polygon scan conversion: polygons made into regions in the canonical form of RegionAlgebra.h.
+ *
+ * Polygons are scan-converted here, row by row. An edge from the upper vertex (x1, y1) to the
+ * lower (x2, y2) covers rows y1 to y2 - 1; its x on each row comes from an incremental error
+ * term in 32-bit wrapping arithmetic, which for coordinates in range is the exact x rounded up.
+ * On a row, ALTERNATE fills between the first and second crossing, the third and fourth, and so
+ * on, joining spans that touch; WINDING fills from where the sum of edge directions leaves zero
+ * to where it returns, taking the crossings in the order the edges hold on that row. A pixel is
+ * in when its left end lies in a span. Rows with the same spans are joined into bands. Rows where
+ * nothing changes, and rows where every edge is cancelled by its twin, are passed over at once,
+ * so the work follows the result and the edges, not the rows spanned.
+ */
+#define QUILLON_BUILDING_REGION
+#include <quillon/Region>
+
+#include "ScanConversion.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <vector>
+
+namespace quillon::region_detail {
+
+namespace {
+
+// ----- polygon scan conversion -----------------------------------------------------------------
+
+struct Edge {
+    std::int64_t top;  // first row
+    std::int64_t last; // last row
+    std::int32_t x;    // x on the current row
+    std::int32_t d, m, m1, incr1, incr2;
+    int direction;     // +1 downward, -1 upward
+};
+
+Edge makeEdge(const POINT& upper, const POINT& lower, int direction) noexcept
+{
+    Edge e;
+    e.top = upper.y;
+    e.last = std::int64_t(lower.y) - 1;
+    e.direction = direction;
+    e.x = upper.x;
+    const std::int32_t dy = wrap(std::int64_t(lower.y) - upper.y);
+    const std::int32_t dx = wrap(std::int64_t(lower.x) - upper.x);
+    // 32-bit division truncating toward zero; the one quotient that overflows wraps.
+    const std::int32_t m = dy == -1 ? wrap(-std::int64_t(dx)) : dx / dy;
+    e.m = m;
+    if (dx < 0) {
+        e.m1 = wrap(std::int64_t(m) - 1);
+        e.incr1 = wrap(-2 * std::int64_t(dx) + 2 * std::int64_t(dy) * e.m1);
+        e.incr2 = wrap(-2 * std::int64_t(dx) + 2 * std::int64_t(dy) * m);
+        e.d = wrap(2 * std::int64_t(m) * dy - 2 * std::int64_t(dx) - 2 * std::int64_t(dy));
+    } else {
+        e.m1 = wrap(std::int64_t(m) + 1);
+        e.incr1 = wrap(2 * std::int64_t(dx) - 2 * std::int64_t(dy) * e.m1);
+        e.incr2 = wrap(2 * std::int64_t(dx) - 2 * std::int64_t(dy) * m);
+        e.d = wrap(-2 * std::int64_t(m) * dy + 2 * std::int64_t(dx));
+    }
+    return e;
+}
+
+inline bool takesLongStep(const Edge& e) noexcept { return e.m1 > 0 ? e.d > 0 : e.d >= 0; }
+
+inline void step(Edge& e) noexcept
+{
+    if (takesLongStep(e)) {
+        e.x = wrap(std::int64_t(e.x) + e.m1);
+        e.d = wrap(std::int64_t(e.d) + e.incr1);
+    } else {
+        e.x = wrap(std::int64_t(e.x) + e.m);
+        e.d = wrap(std::int64_t(e.d) + e.incr2);
+    }
+}
+
+// How many steps from now leave x where it is: only an edge with m = 0 stands still, for as
+// long as its error term stays on the short side. Counted only where the term cannot wrap.
+std::int64_t stillSteps(const Edge& e) noexcept
+{
+    constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
+    if (e.m != 0 || takesLongStep(e)) return 0;
+    if (e.incr2 < 0) return 0;
+    if (e.incr2 == 0) return kForever;
+    // Short steps go on while d <= 0 (m1 > 0) or d < 0 (m1 <= 0).
+    const std::int64_t room = e.m1 > 0 ? -std::int64_t(e.d) : -std::int64_t(e.d) - 1;
+    return room / e.incr2 + 1;
+}
+
+constexpr std::int64_t floorDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
+{
+    return a >= 0 ? a / b : -((-a + b - 1) / b);
+}
+
+// k steps at once, with exactly the state that k calls of step() leave. With a = incr2 and
+// b = incr2 - incr1 (twice the edge's height), 0 <= a < b, the error term never leaves the
+// interval (a - b, a] (long steps while d > 0) or [a - b, a) (long steps while d >= 0) once it
+// is in it, and after k steps d = d0 + k a - b L, L being the number of long steps; the interval
+// fixes L. Edges made by makeEdge start inside it whenever their height is below 2^29. Any other
+// state is stepped one row at a time.
+void advance(Edge& e, std::int64_t k) noexcept
+{
+    if (k <= 0) return;
+    const std::int64_t a = e.incr2;
+    const std::int64_t b = a - e.incr1;
+    const std::int64_t d = e.d;
+    const bool strict = e.m1 > 0; // long steps while d > 0
+    const bool closed = a >= 0 && a < b && b <= (std::int64_t(1) << 30) &&
+                        (strict ? d > a - b && d <= a : d >= a - b && d < a);
+    if (!closed) {
+        if (stillSteps(e) >= k) { // x stays; the term only moves on its short steps
+            e.d = wrap(d + k * a);
+            return;
+        }
+        for (std::int64_t i = 0; i < k; ++i) step(e);
+        return;
+    }
+    const std::int64_t n = d + (k - 1) * a;
+    const std::int64_t longSteps = strict ? -floorDiv(-n, b) : floorDiv(n, b) + 1;
+    const std::uint32_t m = static_cast<std::uint32_t>(e.m);
+    const std::uint32_t extra = static_cast<std::uint32_t>(e.m1) - m;
+    e.x = static_cast<std::int32_t>(static_cast<std::uint32_t>(e.x) +
+                                    static_cast<std::uint32_t>(k) * m +
+                                    static_cast<std::uint32_t>(longSteps) * extra);
+    e.d = static_cast<std::int32_t>(d + k * a - b * longSteps);
+}
+
+// Whether two edges move alike on every row from now on: the same x and steps, and error terms
+// in proportion (the same line from the same point), so that they take their long steps together.
+bool sameCourse(const Edge& p, const Edge& q) noexcept
+{
+    if (p.x != q.x || p.m != q.m || p.m1 != q.m1) return false;
+    const std::int64_t pd = p.d, p1 = p.incr1, p2 = p.incr2;
+    const std::int64_t qd = q.d, q1 = q.incr1, q2 = q.incr2;
+    auto sign = [](std::int64_t v) { return (v > 0) - (v < 0); };
+    return sign(pd) == sign(qd) && sign(p1) == sign(q1) && sign(p2) == sign(q2) &&
+           pd * q1 == qd * p1 && pd * q2 == qd * p2 && p1 * q2 == q1 * p2;
+}
+
+// Whether the active edges cancel each other out: they fall into runs of neighbours on the same
+// course whose directions sum to zero (WINDING) or that are even in number (ALTERNATE). Such edges
+// fill nothing on any row for as long as they all last and no edge joins them.
+bool allCancel(const std::vector<Edge*>& active, bool winding) noexcept
+{
+    std::size_t i = 0;
+    while (i < active.size()) {
+        std::size_t j = i + 1;
+        int sum = active[i]->direction;
+        while (j < active.size() && sameCourse(*active[i], *active[j])) sum += active[j++]->direction;
+        if (winding ? sum != 0 : (j - i) % 2 != 0) return false;
+        i = j;
+    }
+    return true;
+}
+
+// Collects the rows' spans as rectangles, joining a row to the band above when its spans are the
+// same.
+class BandWriter {
+public:
+    bool add(std::int64_t top, std::int64_t bottom, const std::vector<Span>& spans)
+    {
+        if (spans.empty()) return true;
+        if (boxes_.size() && lastBottom_ == top && spans == lastSpans_) {
+            for (Box* b = boxes_.end() - spans.size(); b != boxes_.end(); ++b) b->y2 = wrap(bottom);
+            lastBottom_ = bottom;
+            return true;
+        }
+        if (!boxes_.reserveMore(spans.size())) return false;
+        if (boxes_.size() == 0) bound_ = Box{spans.front().x1, wrap(top), spans.back().x2, 0};
+        for (const Span& s : spans) {
+            boxes_.push(Box{s.x1, wrap(top), s.x2, wrap(bottom)});
+            bound_.x1 = std::min(bound_.x1, s.x1);
+            bound_.x2 = std::max(bound_.x2, s.x2);
+        }
+        lastSpans_ = spans;
+        lastBottom_ = bottom;
+        return true;
+    }
+    bool finish(Region& region)
+    {
+        bound_.y2 = wrap(lastBottom_);
+        if (boxes_.size() == 0) bound_ = Box{0, 0, 0, 0};
+        return boxes_.handOver(region, bound_);
+    }
+
+private:
+    BoxBuffer boxes_;
+    std::vector<Span> lastSpans_;
+    std::int64_t lastBottom_ = 0;
+    Box bound_{0, 0, 0, 0};
+};
+
+// Spans of one row from the active edges, which are in their order on that row.
+void rowSpans(const std::vector<Edge*>& active, bool winding, std::vector<Span>& spans)
+{
+    spans.clear();
+    if (!winding) {
+        for (std::size_t i = 0; i + 1 < active.size(); i += 2) {
+            std::int32_t a = active[i]->x, b = active[i + 1]->x;
+            if (a >= b) continue;
+            if (!spans.empty() && spans.back().x2 >= a)
+                spans.back().x2 = std::max(spans.back().x2, b);
+            else
+                spans.push_back(Span{a, b});
+        }
+        return;
+    }
+    int sum = 0;
+    std::int32_t start = 0;
+    for (const Edge* e : active) {
+        int before = sum;
+        sum += e->direction;
+        if (before == 0 && sum != 0) {
+            start = e->x;
+        } else if (before != 0 && sum == 0) {
+            if (start < e->x) spans.push_back(Span{start, e->x});
+        }
+    }
+}
+
+bool scanConvert(std::vector<Edge>& edges, bool winding, Region& out)
+{
+    BandWriter writer;
+    if (edges.empty()) return writer.finish(out);
+    // Edges in the order they start; among edges starting on one row, by x, keeping the
+    // polygon's order where x ties.
+    std::stable_sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
+        return a.top != b.top ? a.top < b.top : a.x < b.x;
+    });
+    std::vector<Edge*> active, fresh, merged;
+    std::vector<Span> spans;
+    std::size_t next = 0;
+    std::int64_t y = edges[0].top;
+    while (true) {
+        if (active.empty()) {
+            if (next == edges.size()) break;
+            y = edges[next].top;
+        }
+        // New edges join in their own order, each before the active edges with the same x.
+        if (next < edges.size() && edges[next].top == y) {
+            fresh.clear();
+            while (next < edges.size() && edges[next].top == y) fresh.push_back(&edges[next++]);
+            merged.clear();
+            std::merge(fresh.begin(), fresh.end(), active.begin(), active.end(),
+                       std::back_inserter(merged),
+                       [](const Edge* a, const Edge* b) { return a->x < b->x; });
+            active.swap(merged);
+        }
+        rowSpans(active, winding, spans);
+        // Rows after y that repeat this one: no edge starts or ends, and every edge stands still
+        // or all of them cancel out (then they are moved on at once, row by row being no
+        // different).
+        std::int64_t repeat = next < edges.size() ? edges[next].top - y - 1
+                                                  : std::numeric_limits<std::int64_t>::max();
+        for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
+        if (!spans.empty() || !allCancel(active, winding))
+            for (const Edge* e : active) repeat = std::min(repeat, stillSteps(*e));
+        if (!writer.add(y, y + repeat + 1, spans)) return false;
+        if (repeat > 0)
+            for (Edge* e : active) advance(*e, repeat);
+        y += repeat;
+        // Leave row y: drop the edges that end here, step the others, restore the order.
+        std::size_t kept = 0;
+        for (Edge* e : active) {
+            if (e->last == y) continue;
+            step(*e);
+            active[kept++] = e;
+        }
+        active.resize(kept);
+        for (std::size_t i = 1; i < active.size(); ++i) {
+            Edge* e = active[i];
+            std::size_t j = i;
+            while (j > 0 && active[j - 1]->x > e->x) {
+                active[j] = active[j - 1];
+                --j;
+            }
+            active[j] = e;
+        }
+        ++y;
+    }
+    return writer.finish(out);
+}
+
+} // namespace
+
+bool isRectangle(const POINT* p, int n) noexcept
+{
+    if (n == 5 && (p[4].x != p[0].x || p[4].y != p[0].y)) return false;
+    if (n != 4 && n != 5) return false;
+    return (p[0].y == p[1].y && p[1].x == p[2].x && p[2].y == p[3].y && p[3].x == p[0].x) ||
+           (p[0].x == p[1].x && p[1].y == p[2].y && p[2].x == p[3].x && p[3].y == p[0].y);
+}
+
+// Polygon heights as the platform measures them: per polygon of two or more points, the
+// difference of its lowest and highest y in 32-bit arithmetic, and the sum of these in 32-bit
+// arithmetic too (the rows of its scan). A sum of 2^27 rows or more makes the call fail; a height
+// whose difference wrapped around, or a sum that did, makes the whole region empty.
+constexpr std::int32_t kMaxPolygonRows = std::int32_t(1) << 27;
+// Points the edge list may hold; more fail as an allocation would, before anything is allocated.
+constexpr std::int64_t kMaxPoints = std::int64_t(1) << 24;
+
+bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode, Region& out)
+{
+    if (polygons <= 0) {
+        out.clear();
+        return true;
+    }
+    if (!counts) return false;
+    std::int64_t total = 0;
+    for (int i = 0; i < polygons; ++i) {
+        if (counts[i] < 0) return false;
+        total += counts[i];
+        if (total > kMaxPoints) return false;
+    }
+    if (total > 0 && !points) return false;
+    if (polygons == 1 && isRectangle(points, counts[0])) {
+        setRect(out, normalized(points[0].x, points[0].y, points[2].x, points[2].y));
+        return true;
+    }
+    bool wrapped = false;
+    std::int64_t rows = 0;
+    const POINT* p = points;
+    for (int i = 0; i < polygons; ++i) {
+        const int n = counts[i];
+        if (n >= 2) {
+            std::int32_t low = p[0].y, high = p[0].y;
+            for (int k = 1; k < n; ++k) low = std::min(low, p[k].y), high = std::max(high, p[k].y);
+            const std::int32_t height = wrap(std::int64_t(high) - low);
+            wrapped |= height < 0;
+            rows += height;
+        }
+        p += n;
+    }
+    if (!wrapped && wrap(rows) >= kMaxPolygonRows) return false;
+    if (wrapped || rows >= kMaxPolygonRows) {
+        out.clear();
+        return true;
+    }
+    std::vector<Edge> edges;
+    edges.reserve(static_cast<std::size_t>(total));
+    p = points;
+    for (int i = 0; i < polygons; ++i) {
+        const int n = counts[i];
+        if (n >= 2) {
+            const POINT* prev = &p[n - 1];
+            for (int k = 0; k < n; ++k) {
+                const POINT* cur = &p[k];
+                if (prev->y < cur->y)
+                    edges.push_back(makeEdge(*prev, *cur, +1));
+                else if (prev->y > cur->y)
+                    edges.push_back(makeEdge(*cur, *prev, -1));
+                prev = cur;
+            }
+        }
+        p += n;
+    }
+    return scanConvert(edges, mode == WINDING, out);
+}
+
+} // namespace quillon::region_detail

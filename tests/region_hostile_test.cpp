@@ -1,0 +1,313 @@
+// The region layer against a hostile caller: byte counts that do not hold what a header claims,
+// polygons whose edges cancel over millions of rows, results past the rectangle limit, handle
+// slots used until their generations run out, and counts whose sum no allocation could hold.
+#include <quillon/Region>
+
+#if !defined(_WIN32) // on Windows these are the platform's own functions
+
+#include "../src/platform/HandleTable.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace {
+
+struct Rect {
+    LONG l, t, r, b;
+    bool operator==(const Rect& o) const { return l == o.l && t == o.t && r == o.r && b == o.b; }
+};
+
+std::vector<Rect> rectsOf(HRGN h)
+{
+    const DWORD size = GetRegionData(h, 0, nullptr);
+    std::vector<std::uint64_t> store(size / 8 + 1);
+    auto* data = reinterpret_cast<RGNDATA*>(store.data());
+    if (size == 0 || GetRegionData(h, size, data) != size) return {};
+    std::vector<Rect> out(data->rdh.nCount);
+    if (!out.empty()) std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
+    return out;
+}
+
+DWORD liveRegions() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
+
+// Two pages, the second unreadable: what ends at the first page's end is followed by nothing.
+class GuardedPage {
+public:
+    GuardedPage()
+    {
+        page_ = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+        void* m = mmap(nullptr, 2 * page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        base_ = m == MAP_FAILED ? nullptr : static_cast<char*>(m);
+        if (base_) mprotect(base_ + page_, page_, PROT_NONE);
+    }
+    ~GuardedPage()
+    {
+        if (base_) munmap(base_, 2 * page_);
+    }
+    // The last n bytes of the readable page.
+    char* tail(std::size_t n) const { return base_ ? base_ + page_ - n : nullptr; }
+
+private:
+    char* base_ = nullptr;
+    std::size_t page_ = 0;
+};
+
+TEST(RegionHostile, ExtCreateRegionReadsNoFurtherThanTheByteCount)
+{
+    GuardedPage page;
+    char* at = page.tail(sizeof(RGNDATAHEADER));
+    ASSERT_NE(at, nullptr);
+    const DWORD before = liveRegions();
+    for (DWORD claimed : {1u, 1000u, 1u << 24}) {
+        RGNDATAHEADER h{sizeof(RGNDATAHEADER), RDH_RECTANGLES, claimed, 16 * claimed, {0, 0, 10, 10}};
+        std::memcpy(at, &h, sizeof h);
+        EXPECT_EQ(ExtCreateRegion(nullptr, 32, reinterpret_cast<const RGNDATA*>(at)), nullptr)
+            << claimed << " rectangles claimed in a 32-byte buffer";
+    }
+    // A size that holds all but the last byte of the rectangle fails too; the whole one is read.
+    char* full = page.tail(48);
+    RGNDATAHEADER h{sizeof(RGNDATAHEADER), RDH_RECTANGLES, 1, 16, {0, 0, 0, 0}};
+    const RECT r{3, 4, 7, 9};
+    std::memcpy(full, &h, sizeof h);
+    std::memcpy(full + 32, &r, sizeof r);
+    EXPECT_EQ(ExtCreateRegion(nullptr, 47, reinterpret_cast<const RGNDATA*>(full)), nullptr);
+    HRGN made = ExtCreateRegion(nullptr, 48, reinterpret_cast<const RGNDATA*>(full));
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(rectsOf(made), (std::vector<Rect>{{3, 4, 7, 9}}));
+    // A buffer too short for the header itself is not read at all.
+    EXPECT_EQ(ExtCreateRegion(nullptr, 31, reinterpret_cast<const RGNDATA*>(page.tail(31))), nullptr);
+    EXPECT_EQ(DeleteObject(made), TRUE);
+    EXPECT_EQ(liveRegions(), before);
+}
+
+// A needle: down a slanted line and straight back up. Its two edges fill nothing on any row.
+std::vector<POINT> needle(LONG x0, LONG y0, LONG x1, LONG y1) { return {{x0, y0}, {x1, y1}, {x0, y0}}; }
+
+TEST(RegionHostile, NeedlesCostNothingPerRow)
+{
+    // The inputs of the report: one needle of 2^26 rows, and 64 of them in one call.
+    const std::vector<POINT> one = needle(0, 0, INT_MAX - 1, 1 << 26);
+    HRGN h = CreatePolygonRgn(one.data(), 3, WINDING);
+    ASSERT_NE(h, nullptr);
+    EXPECT_TRUE(rectsOf(h).empty());
+    DeleteObject(h);
+    // 64 of them in one call: their rows add up past 32 bits, and the platform's sum of rows,
+    // which wraps, leaves the region empty.
+    std::vector<POINT> points;
+    std::vector<INT> counts;
+    for (int k = 0; k < 64; ++k) {
+        const std::vector<POINT> n = needle(k, k, INT_MAX - 64 + k, (1 << 26) + k);
+        points.insert(points.end(), n.begin(), n.end());
+        counts.push_back(3);
+    }
+    h = CreatePolyPolygonRgn(points.data(), counts.data(), 64, WINDING);
+    ASSERT_NE(h, nullptr);
+    EXPECT_TRUE(rectsOf(h).empty());
+    DeleteObject(h);
+    // 2^27 - 1 rows, just short of the count that fails: one needle, and 64 sharing them.
+    for (int mode : {ALTERNATE, WINDING}) {
+        const std::vector<POINT> tall = needle(0, 0, INT_MAX, (1 << 27) - 1);
+        h = CreatePolygonRgn(tall.data(), 3, mode);
+        ASSERT_NE(h, nullptr) << "mode " << mode;
+        EXPECT_TRUE(rectsOf(h).empty());
+        DeleteObject(h);
+        points.clear();
+        for (int k = 0; k < 64; ++k) {
+            const std::vector<POINT> n = needle(k, k, INT_MAX - 64 + k, k + (1 << 21) - 1);
+            points.insert(points.end(), n.begin(), n.end());
+        }
+        h = CreatePolyPolygonRgn(points.data(), counts.data(), 64, mode);
+        ASSERT_NE(h, nullptr) << "mode " << mode;
+        EXPECT_TRUE(rectsOf(h).empty());
+        DeleteObject(h);
+    }
+    // A polygon of no area: out along a line in two steps and back in one.
+    const POINT flat[3] = {{0, 0}, {3 << 20, 1 << 25}, {6 << 20, 1 << 26}};
+    h = CreatePolygonRgn(flat, 3, ALTERNATE);
+    ASSERT_NE(h, nullptr);
+    EXPECT_TRUE(rectsOf(h).empty());
+    DeleteObject(h);
+}
+
+// The needle's x on a row where it meets a rectangle shows in the result: with WINDING, its two
+// edges taken in the order up, down take the sum through zero and split the rectangle's span
+// there. The rows between the rectangles are passed over at once; the x must be the one the row
+// by row walk reaches, which for a line in range is the exact x rounded up.
+TEST(RegionHostile, ANeedlePassedOverAtOnceIsWhereTheWalkPutsIt)
+{
+    // The needle's rows and the rectangles' rows stay under the 2^27 that the platform allows.
+    const std::int64_t X = 1234567891, H = (1 << 27) - 8;
+    std::vector<POINT> points = {{LONG(X), LONG(H)}, {0, 0}, {LONG(X), LONG(H)}};
+    std::vector<INT> counts = {3};
+    const std::vector<std::int64_t> rows = {1, 7, 999983, 33554431, 67108864, 100000007, H - 1};
+    for (std::int64_t y : rows) {
+        // A rectangle of one row wide enough to hold the needle, turning so that the needle's
+        // upward edge takes the sum to zero.
+        const LONG left = -10, right = INT_MAX - 1;
+        const POINT q[4] = {{left, LONG(y)}, {left, LONG(y + 1)}, {right, LONG(y + 1)}, {right, LONG(y)}};
+        points.insert(points.end(), q, q + 4);
+        counts.push_back(4);
+    }
+    HRGN h = CreatePolyPolygonRgn(points.data(), counts.data(), static_cast<int>(counts.size()), WINDING);
+    ASSERT_NE(h, nullptr);
+    std::vector<Rect> want;
+    for (std::int64_t y : rows) {
+        const LONG split = LONG((X * y + H - 1) / H); // x on row y, rounded up
+        want.push_back({-10, LONG(y), split, LONG(y + 1)});
+        want.push_back({split, LONG(y), INT_MAX - 1, LONG(y + 1)});
+    }
+    EXPECT_EQ(rectsOf(h), want);
+    DeleteObject(h);
+}
+
+TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
+{
+    const int T = 1 << 27;
+    auto make = [](std::vector<POINT> p, std::vector<INT> c) {
+        return CreatePolyPolygonRgn(p.data(), c.data(), static_cast<int>(c.size()), ALTERNATE);
+    };
+    auto count = [](HRGN h) {
+        const std::size_t n = h ? rectsOf(h).size() : std::size_t(-1);
+        if (h) DeleteObject(h);
+        return n;
+    };
+    // The heights of the polygons of two or more points add up; 2^27 rows or more: null, also
+    // when each edge is shorter, and lone points are not measured.
+    EXPECT_EQ(make({{0, 0}, {10, T}, {20, 0}}, {3}), nullptr);
+    EXPECT_EQ(make({{0, 0}, {10, T / 2 + 10}, {0, T + 10}, {20, T / 2}}, {4}), nullptr);
+    EXPECT_EQ(make({{0, INT_MIN}, {10, INT_MIN + T}, {20, INT_MIN}}, {3}), nullptr);
+    EXPECT_EQ(make({{0, 0}, {10, 0}, {0, 10}, {5, 0}, {5, 1 << 28}}, {3, 2}), nullptr);
+    EXPECT_EQ(make({{0, 0}, {5, T / 2}, {10, 0}, {20, 0}, {25, T / 2}, {30, 0}}, {3, 3}), nullptr);
+    EXPECT_EQ(count(make({{0, 0}, {5, T / 2}, {10, 0}, {20, 0}, {25, T / 2 - 1}, {30, 0}}, {3, 3})), 17u);
+    EXPECT_EQ(count(make({{0, 0}, {10, T - 1}, {20, 0}}, {3})), 11u);
+    EXPECT_EQ(count(make({{0, 0}, {10, 0}, {0, 10}, {0, T}, {10, T}, {0, T + 10}}, {3, 3})), 20u);
+    EXPECT_EQ(count(make({{0, 0}, {10, 0}, {0, 10}, {5, 1 << 28}}, {3, 1})), 10u);
+    // A height whose difference wraps past 32 bits, or a sum that does, empties the whole region.
+    const std::vector<std::pair<std::vector<POINT>, std::vector<INT>>> emptied = {
+        {{{0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3}},
+        {{{0, -5}, {10, INT_MAX}, {20, -5}}, {3}},
+        {{{0, 0}, {10, 0}, {0, 10}, {0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3, 3}},
+        {{{0, 0}, {5, T}, {10, 0}, {0, INT_MIN}, {10, 0}, {20, INT_MIN}}, {3, 3}},
+        {{{0, 0}, {5, INT_MAX}, {10, 0}, {20, 0}, {25, INT_MAX}, {30, 0}}, {3, 3}},
+        {{{0, 0}, {5, 1 << 30}, {10, 0}, {20, 0}, {25, 1 << 30}, {30, 0}, {40, 0}, {45, 1 << 30}, {50, 0},
+          {60, 0}, {65, 1 << 30}, {70, 0}}, {3, 3, 3, 3}}};
+    for (const auto& [p, c] : emptied) EXPECT_EQ(count(make(p, c)), 0u);
+    // A rectangle given as one polygon is taken whole, whatever its height.
+    HRGN rect = make({{0, INT_MIN}, {10, INT_MIN}, {10, 0}, {0, 0}}, {4});
+    ASSERT_NE(rect, nullptr);
+    EXPECT_EQ(rectsOf(rect), (std::vector<Rect>{{0, INT_MIN, 10, 0}}));
+    DeleteObject(rect);
+}
+
+long peakKilobytes()
+{
+    rusage u{};
+    getrusage(RUSAGE_SELF, &u);
+    return u.ru_maxrss;
+}
+
+// 4096 columns in one band over 8192 rows, and 4096 one-row bands that each put one rectangle in
+// a different gap between the columns: every row of the union holds over 4096 rectangles, and no
+// two neighbouring rows are the same, so the union would pass 2^25 rectangles.
+TEST(RegionHostile, OneRectangleLimitForEveryOperation)
+{
+    const int kColumns = 4096;
+    std::vector<RECT> columns, dots;
+    for (int i = 0; i < kColumns; ++i) columns.push_back(RECT{4 * i, 0, 4 * i + 2, 2 * kColumns});
+    for (int j = 0; j < kColumns; ++j) dots.push_back(RECT{4 * j + 2, 2 * j, 4 * j + 3, 2 * j + 1});
+    auto fromRects = [](const std::vector<RECT>& rects) {
+        std::vector<std::uint64_t> store(4 + 2 * rects.size());
+        auto* data = reinterpret_cast<RGNDATA*>(store.data());
+        data->rdh = RGNDATAHEADER{sizeof(RGNDATAHEADER), RDH_RECTANGLES, DWORD(rects.size()),
+                                  DWORD(16 * rects.size()), {0, 0, 0, 0}};
+        std::memcpy(data->Buffer, rects.data(), 16 * rects.size());
+        return ExtCreateRegion(nullptr, DWORD(32 + 16 * rects.size()), data);
+    };
+    HRGN a = fromRects(columns), b = fromRects(dots);
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    const std::vector<Rect> aRects = rectsOf(a);
+    ASSERT_EQ(aRects.size(), std::size_t(kColumns));
+    const long peakBefore = peakKilobytes();
+
+    HRGN dest = CreateRectRgn(1, 2, 3, 4);
+    EXPECT_EQ(CombineRgn(dest, a, b, RGN_OR), ERROR);
+    EXPECT_EQ(CombineRgn(dest, a, b, RGN_XOR), ERROR);
+    EXPECT_EQ(rectsOf(dest), (std::vector<Rect>{{1, 2, 3, 4}})) << "the destination is unchanged";
+    EXPECT_EQ(CombineRgn(a, a, b, RGN_OR), ERROR);
+    EXPECT_EQ(rectsOf(a), aRects) << "a source that is the destination is unchanged";
+    // What fits is still made: the dots lie between the columns, so they meet nothing.
+    EXPECT_EQ(CombineRgn(dest, a, b, RGN_AND), NULLREGION);
+    EXPECT_EQ(CombineRgn(dest, b, a, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(dest).size(), std::size_t(kColumns));
+    // 2^25 rectangles would take 512 MB; refusing them takes next to nothing.
+    EXPECT_LT(peakKilobytes() - peakBefore, 64 * 1024) << "kilobytes of peak memory";
+    for (HRGN h : {a, b, dest}) DeleteObject(h);
+}
+
+// A slot handed out and freed until its generation counter is spent is retired: every handle the
+// table gives is new, and no stale handle ever names the object a later one names.
+TEST(RegionHostile, ASlotWhoseGenerationWouldWrapIsRetired)
+{
+    using Table = quillon::region_detail::HandleTable<int, 4>; // generations 1 to 15
+    Table table;
+    std::set<void*> issued;
+    std::vector<void*> stale;
+    for (int round = 0; round < 40; ++round) {
+        void* h = table.insert(std::make_unique<int>(round));
+        ASSERT_NE(h, nullptr);
+        EXPECT_TRUE(issued.insert(h).second) << "handle issued twice in round " << round;
+        for (void* old : stale) {
+            EXPECT_FALSE(table.read(old, [](const int&) {})) << "a stale handle came back";
+        }
+        int seen = -1;
+        EXPECT_TRUE(table.read(h, [&](const int& v) { seen = v; }));
+        EXPECT_EQ(seen, round);
+        EXPECT_TRUE(table.erase(h));
+        EXPECT_FALSE(table.erase(h));
+        stale.push_back(h);
+    }
+    EXPECT_EQ(table.live(), 0u);
+    EXPECT_EQ(table.retired(), 2u); // 40 rounds of 15 generations: two slots spent, a third in use
+}
+
+// Counts whose sum passes what a vector can hold: 2^28 counts of INT_MAX, a gigabyte of them,
+// all read from one megabyte mapped again and again.
+TEST(RegionHostile, CountsNoAllocationCouldHoldFailWithoutAnException)
+{
+    const std::size_t chunk = std::size_t(1) << 20, total = std::size_t(1) << 30;
+    const int fd = memfd_create("counts", 0);
+    ASSERT_GE(fd, 0);
+    ASSERT_EQ(ftruncate(fd, static_cast<off_t>(chunk)), 0);
+    void* first = mmap(nullptr, chunk, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
+    ASSERT_NE(first, MAP_FAILED);
+    std::vector<INT> fill(chunk / sizeof(INT), INT_MAX);
+    std::memcpy(first, fill.data(), chunk);
+    munmap(first, chunk);
+    char* base = static_cast<char*>(mmap(nullptr, total, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(base, MAP_FAILED);
+    bool mapped = true;
+    for (std::size_t at = 0; at < total && mapped; at += chunk)
+        mapped = mmap(base + at, chunk, PROT_READ, MAP_SHARED | MAP_FIXED, fd, 0) != MAP_FAILED;
+    ASSERT_TRUE(mapped);
+    const POINT points[3] = {{0, 0}, {10, 0}, {0, 10}};
+    const int polygons = static_cast<int>(total / sizeof(INT));
+    EXPECT_EQ(CreatePolyPolygonRgn(points, reinterpret_cast<const INT*>(base), polygons, WINDING), nullptr);
+    EXPECT_EQ(CreatePolyPolygonRgn(points, reinterpret_cast<const INT*>(base), polygons, ALTERNATE), nullptr);
+    munmap(base, total);
+    close(fd);
+}
+
+} // namespace
+
+#endif
