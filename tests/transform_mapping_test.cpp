@@ -121,3 +121,41 @@ TEST(TransformMapping, RoundingAtTheEdgesOfPrecisionAndLimitsOnlyForGuardTypes)
 }
 
 } // namespace
+
+// Transform<guarddouble> sums its rows in plain double where every operand is within 2^500; the
+// result must be the guard operators' own, bit for bit, on both sides of that bound: operands at
+// and just past it, products that reach the limit, signed zeros, tiny values, infinities and NaN.
+TEST(TransformMapping, GuardRowsInPlainDoubleGiveTheGuardOperatorsBits)
+{
+    // The first ten lie within the bound, the next three just past it.
+    const double edges[] = {0x1p500, -0x1p500, 1.5, -0.0, 0.0, 0x1p-1074, -0x1p-1022, 3.25, 1.0e150, 0.1,
+                            0x1.0000000000001p500, 0x1p511, -0x1p511, 0x1p1021, 1.0e300, 0x1p1022,
+                            1.0 / 0.0, 0.0 / 0.0};
+    std::uint64_t state = 12345;
+    int within = 10;
+    const auto draw = [&] {
+        state = state * 6364136223846793005u + 1442695040888963407u;
+        return edges[(state >> 33) % within];
+    };
+    for (int i = 0; i < 4000; ++i) {
+        within = i % 4 == 0 ? sizeof edges / sizeof edges[0] : i % 4 == 1 ? 13 : 10; // 13: just past the bound too
+        guarddouble e[16];
+        for (guarddouble& g : e) g = guarddouble(draw());
+        const Transform<guarddouble> t(e);
+        const double px = draw(), py = draw(), pz = draw();
+        const guarddouble x(px), y(py), z(pz);
+        const ThreeDVector<guarddouble> got = t * ThreeDVector<guarddouble>(x, y, z);
+        const guarddouble parts[3] = {got.GetX(), got.GetY(), got.GetZ()};
+        for (int r = 0; r < 3; ++r) {
+            // Each step a guard operator, in the mapping's order.
+            const guarddouble want = ((e[4 * r] * x + e[4 * r + 1] * y) + e[4 * r + 2] * z) + e[4 * r + 3];
+            const bool bothNaN = want.value() != want.value() && parts[r].value() != parts[r].value();
+            EXPECT_TRUE(bothNaN || bits(want) == bits(parts[r]))
+                << std::hexfloat << "row " << r << " of case " << i << ": " << parts[r].value() << ", not " << want.value();
+        }
+        // The same transform through a vector type with its own exit (nint).
+        const ThreeDVector<int> whole = t * ThreeDVector<int>(1, -2, 3);
+        const int wx = whole.GetX();
+        EXPECT_EQ(wx, (((e[0] * guarddouble(1) + e[1] * guarddouble(-2)) + e[2] * guarddouble(3)) + e[3]).nint()) << i;
+    }
+}
