@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Mapping many points: quillon::mapPoints against Eigen's per-point loop over points in cache,
 // and over ten million points against a memcpy of the same bytes (the bound of a job that reads
 // and writes each byte once). One point at a time for float: the inlined operator and the

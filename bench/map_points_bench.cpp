@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Mapping 10,000,000 double points in C++: the yardstick for the same call from Python
 // (bench/python_vs_cpp.py). Each run maps into fresh storage, as the Python call returns a new
 // array, and asks for huge pages for it as numpy does for large arrays, so that the two differ in

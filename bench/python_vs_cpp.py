@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Mapping 10,000,000 double points from Python (quillon.Transform.map) against the same job in
 C++ (quillon_map_bench): prints both times and their ratio.
 

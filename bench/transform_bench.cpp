@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How fast the exact members are next to plain code and to Eigen and glm doing the same job.
 // Quillon maps a point with the translation added last in a fixed order and no fused
 // multiply-add; the plain versions below are written the same way, so they compute the same

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Floating-point rules that every translation unit doing library arithmetic must follow, the
 # callers' included: the header templates are instantiated in their code too. Attached to an
 # interface target that the libraries pass on to whoever links them; quillon.pc carries the same

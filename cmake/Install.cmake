@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # cmake --install: headers under include/quillon, the libraries, a CMake config package
 # (find_package(Quillon) gives Quillon::quillon, which brings Quillon::guardscalars) and quillon.pc.
 include(CMakePackageConfigHelpers)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Windows builds: what it takes to compile and link for the MSVC ABI next to mingw-w64 (clang for
 # the *-pc-windows-msvc targets, lld-link, mingw-w64's runtime and import libraries). Used by the
 # DLLs (cmake/MsvcDlls.cmake) and by the test program built for the MSVC ABI.

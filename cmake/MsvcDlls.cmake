@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Quillon.dll and "Guard Scalars.dll" for programs built with the platform's own compiler: their
 # exports carry MSVC names and conventions. The arithmetic is the library's one implementation,
 # compiled by mingw-w64 g++ (the OBJECT libraries below); a thin layer of entry points compiled by

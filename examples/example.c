@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The C interface in a small program: a transform turned and moved, points of two element types
  * mapped, a region of two rectangles mapped, and a guard scalar division. */
 #include <quillon/quillon.h>

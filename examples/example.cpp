@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A first look at Quillon: build a transform, turn and move it, map a point through it, and see
 // how the guard scalars saturate instead of overflowing.
 #include <quillon/Names>

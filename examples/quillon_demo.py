@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Maps a million points through a turned and moved transform with the quillon module, and prints
 the time it took.
 

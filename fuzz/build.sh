@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the fuzz targets with clang, libFuzzer, AddressSanitizer and UndefinedBehaviorSanitizer,
 # the library sources compiled into each target.   usage: fuzz/build.sh BUILD_DIR
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ExtCreateRegion on raw bytes, in a buffer of exactly the size given (so that any read past it
 // is caught), then the region read back, combined with itself and a rectangle, and offset.
 #include "fuzz_support.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shared by the fuzz targets: regions read back and checked against what their data says.
 #pragma once
 

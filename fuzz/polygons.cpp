@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // CreatePolygonRgn and CreatePolyPolygonRgn with arbitrary points, counts (negative ones too) and
 // fill modes. Counts never claim more points than are given: that would be the caller's fault.
 #include "fuzz_support.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Arbitrary sequences of region calls on four slots: makes, combines with any slots as
 // destination and sources (the same one included), offsets, reads, deletes, and calls on deleted
 // and made-up handles. At the end every live region is deleted and none may be left.

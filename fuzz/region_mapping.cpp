@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Region mapping with arbitrary matrices (any bits: NaNs, infinities, huge stretches) over small
 // arbitrary regions: never a crash, never a region left behind, the argument never changed.
 #include "fuzz_support.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every fuzz target for the given number of seconds each (default 1800) and prints the
 # executions and findings of each; findings are kept under BUILD_DIR/findings.
 #   fuzz/run-long.sh [SECONDS] [BUILD_DIR]

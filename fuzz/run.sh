@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every fuzz target from its committed seeds, each input limited to one second.
 #   fuzz/run.sh BUILD_DIR runs N     a fixed number of executions per target (the test command)
 #   fuzz/run.sh BUILD_DIR seconds S  S seconds per target (long runs by hand)

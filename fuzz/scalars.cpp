@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Guard scalars, ThreeDVector and Transform on arbitrary bits: every operator, conversion and
 // member on values that include NaNs, infinities, limits and the most negative integer. The
 // sanitizers catch any undefined behaviour, such as a float-to-int conversion out of range.

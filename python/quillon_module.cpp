@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The Python module quillon: Transform over float32, float64 and guarddouble, point and region
 // mapping over numpy arrays, and the guard scalars as small value types.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon::mapPoints against the per-point operator: for all 18 pairs of transform and vector
 // types, on every kernel path this processor runs, every length from 0 to 40 and a few
 // thousands, arrays starting at offsets that break every vector alignment, separate and in place,

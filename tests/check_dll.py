@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Checks the built Quillon.dll and "Guard Scalars.dll" against what a program built for the MSVC
 ABI imports from them:
  - the names: clang decorates the test's own declaration of the two DLLs (tests/msvc/interface.h,

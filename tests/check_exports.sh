@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that the distinct demangled names in the module's dynamic symbol table are exactly the
 # listed members of Transform<T>, for T = float, double and guarddouble, and nothing else.
 # usage: check_exports.sh LIBRARY MEMBER_LIST

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks the module's float mappings of Transform<float> and Transform<double> (x86-64): the
 # ThreeDVector<float> result goes back in registers, x and y packed without a trip through the
 # stack. Two 4-byte stores read back as one 8-byte load would stall every call until the stores

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the build into a temporary prefix, or with "deb" makes the Debian package and extracts
 # it into a scratch root (dpkg -x), and builds a separate consumer against it, once with CMake's
 # find_package and once with pkg-config. Both programs must run with an empty environment (no

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The programs and the example commands of a Markdown file print what the file says they print.
 
 A ```cpp block with a main function is a program; the next fenced block must be a ```text block

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks the version record held in the module's .quillon.version section.
 set -euo pipefail
 record=$(readelf -p .quillon.version "$1" | sed -n 's/^ *\[ *[0-9a-f]*\] *//p')

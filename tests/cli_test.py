@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """End-to-end checks of the quillon tool: exact output for inputs worked out by hand, --json read
 back, every kind of bad input, and the SVG pictures read with a real XML parser.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libguardscalars exports a copy of every guard operation that the header defines inline: the
 // copy a caller links and the code a caller inlines give the same bits, over the values where the
 // rules bite.

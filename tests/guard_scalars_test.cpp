@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guard scalars: conversions, nint, the compound rules, RoundToWhole and the free operators.
 #include "test_support.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The readable names of <quillon/Names>: each gives the bits of the member it stands for, and on
 // the matrices chosen here every other member of its kind gives something else, so a name wired to
 // the wrong member fails.

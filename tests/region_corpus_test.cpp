@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every case of the reference corpus, run on the region functions, must print exactly what the
 // platform printed: the same return values, headers and rectangles in the same order.
 #include <quillon/Region>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The region layer's own promises, beyond the platform's results that the corpus checks: handles
 // that cannot be abused, no region left behind, many threads at once, and the CRect helper.
 #include <quillon/Region>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The region layer against a hostile caller: byte counts that do not hold what a header claims,
 // polygons whose edges cancel over millions of rows, results past the rectangle limit, handle
 // slots used until their generations run out, and counts whose sum no allocation could hold.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transform<T> * HRGN: the union of the images of the region's rectangles.
 #include "test_support.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Region calls from several threads at once, for ThreadSanitizer: threads make, combine, read,
 // offset and delete private regions, combine into and read shared ones, and delete regions that
 // other threads made. Exits non-zero when a result differs from the one a single thread gets.

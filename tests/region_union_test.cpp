@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The union of many pieces made at once, and the region mapping built on it, against the same
 // pieces joined one by one with CombineRgn: rectangle for rectangle the same, touching pairs of
 // WINDING polygons included.

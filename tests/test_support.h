@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Helpers shared by the tests: exact bit patterns and values of stored elements, matrices built
 // from plain numbers and read back, vectors read back as three doubles.
 #pragma once

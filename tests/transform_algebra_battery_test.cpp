@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fast determinant family and composition against the formulas written out the plain way:
 // each cofactor a det3 of its minor gathered element by element, the determinant from its own
 // six 2x2 determinants, the product one element at a time with the element as accumulator. A

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transform<T>: rotations, the small in-place members, determinant/adjoint/inverse and
 // composition.
 #include "test_support.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transform<T>: construction, copying, assignment and the three column-0 readers.
 #include "test_support.h"
 

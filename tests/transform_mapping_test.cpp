@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transform<A> * ThreeDVector<B>: the 18 pairs of element types, each with its own entry and
 // exit conversions.
 #include "test_support.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ThreeDVector sums, differences and the five products, one test per element type's row. Expected
 // values are worked out by hand from where each product rounds, truncates or passes through nint.
 #include "test_support.h"

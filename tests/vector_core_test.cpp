@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ThreeDVector construction, accessors, AddToAxis and comparison.
 #include "test_support.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // ThreeDVector Cross, Dot, Length, Unit, Normalise and Project.
 #include "test_support.h"
 

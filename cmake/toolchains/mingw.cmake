@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross build for Windows with Debian's mingw-w64 toolchains; QUILLON_MINGW_ARCH is i686 or x86_64.
 # The posix-thread compilers, because GoogleTest needs std::mutex.
 set(CMAKE_SYSTEM_NAME Windows)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Quillon's C interface: the transforms, the point mappings, region mapping and the guard scalars
  * for C and for every language that calls C. Valid C99 and C++; library libquillon_c.
  *

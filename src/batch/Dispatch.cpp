@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon::mapPoints' library side: which kernels this processor runs, chosen once from its
 // features (and changed only by forcePath), and the plain loop that maps whatever the kernels
 // leave: the last points of an array, and everything where no kernel fits.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mapping kernels behind quillon::mapPoints, one set per instruction set, and the body they
 // share. Each kernel maps the first n - n % width points of the array (whole groups of `width`
 // points, read as a block before the block is written, so the arrays may be one and the same)

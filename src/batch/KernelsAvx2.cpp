@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels for AVX2 (compiled with -mavx2 and nothing more, and called only where the
 // processor and the operating system support it): four points at a time.
 #define QUILLON_BATCH_KERNEL_BODY

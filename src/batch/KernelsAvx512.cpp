@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels for AVX-512 (compiled with -mavx512f and nothing more, and called only where the
 // processor and the operating system support it): eight points at a time.
 #define QUILLON_BATCH_KERNEL_BODY

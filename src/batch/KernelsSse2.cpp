@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernels for SSE2, the baseline of every x86-64 processor: two points at a time.
 #define QUILLON_BATCH_KERNEL_BODY
 #include "Kernels.h"

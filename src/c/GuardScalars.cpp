@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guard scalar operations on raw stored values, as C functions: each raw value enters its
 // class through the class's own conversion from its plain type (see Interface.h), the C++ operator
 // runs, and the stored value of the result is returned.

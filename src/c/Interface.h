@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the C interface's functions share: how a plain C struct becomes the C++ value and back, and
 // the one loop that maps many points.
 #ifndef QUILLON_C_INTERFACE_H

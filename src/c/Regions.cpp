@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Region mapping for the C interface: an array of rectangles in, an array of rectangles out. The
 // rectangles become one region (their union) through the region layer, the region is mapped by
 // Transform<T>::operator*(HRGN), and the result's rectangles are copied to a new array. No region

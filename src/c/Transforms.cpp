@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The members of Transform<T> for float, double and guarddouble, and the mapping of points of all
 // six element types, as C functions. Each function enters its structs into the C++ values, calls
 // the member and writes the result out; the arithmetic is the C++ member's own.

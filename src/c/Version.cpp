@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C interface's version: the library's own, from the build.
 #include <quillon/quillon.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The module frame. Loading and unloading run nothing of the geometry: there is no global object,
 // no initialiser and no state. On Windows the entry point accepts every notification and does
 // nothing, and the version record is the resource of Quillon.rc. Elsewhere the record is kept in a

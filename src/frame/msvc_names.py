@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The platform compiler's decorated names of the members of Transform<T>, read back into the form
 of the export list (src/frame/exported_members.txt): `Transform<double>::Function_2424(double)`.
 Used to write Quillon.def and, by the DLL check, to read the export table back."""

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Gives a linked DLL's export table the ordinal base 1. lld-link 14 writes base 0 and an empty slot
 for ordinal 0, so the table claims one function more than the DLL exports; afterwards the table
 holds exactly ordinals 1..N. The names keep their ordinals.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The handle table of libquillon_region: opaque handles for the objects it holds.
 //
 // A handle is the token (generation << kIndexBits) | (slot + 1). Generations start at 1, so no

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The set operations on regions, and the check of the canonical form they keep (see
 // RegionAlgebra.h).
 #define QUILLON_BUILDING_REGION

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The regions of libquillon_region and the set operations on them.
  *
  * Canonical form. A region is a set of pixels, a pixel (x, y) being the unit square whose top

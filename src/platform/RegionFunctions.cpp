@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* libquillon_region: regions and region handles where the platform has none. The functions of
  * the platform's region API, each a call into the region algebra (RegionAlgebra.h), the scan
  * conversion (ScanConversion.h) and the handle table (HandleTable.h).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // libquillon_region's one function beyond the platform's names, for the region mapping: the
 // union of many polygons made at once.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* Polygon scan conversion: polygons made into regions in the canonical form of RegionAlgebra.h.
  *
  * Polygons are scan-converted here, row by row. An edge from the upper vertex (x1, y1) to the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Polygon scan conversion for libquillon_region.
 #pragma once
 

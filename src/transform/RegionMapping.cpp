@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Region mapping: the image of a region under a transform, as the union of the images of its
 // rectangles. Each rectangle's four corners (z = 0) go through the vector mapping for
 // ThreeDVector<double>, are truncated toward zero to pixel coordinates and become one four-sided

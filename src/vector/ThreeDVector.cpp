@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The module holds every member of ThreeDVector for each of the six element types, whether or not
 // the library itself calls it. None of them is exported: callers compile the members from the
 // header.

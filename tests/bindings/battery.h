@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The seeded battery shared by the C interface test (C99), the C++ reference program and the
  * Python tests (tests/python/battery.py follows this file step for step): a generator of inputs
  * that reach the rules' edges, and a digest of result bits.

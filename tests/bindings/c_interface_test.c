@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The C interface from C: hand-picked cases where a rule bites, null pointers and sizes, then the
  * seeded battery, whose digests (printed to standard output) must equal those of the C++ reference
  * program bit for bit. Compiled as C99. Exit status 1 when a hand-picked case fails. */

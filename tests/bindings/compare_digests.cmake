@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Runs the C interface test and the C++ reference program and fails unless both succeed and print
 # the same digests, line for line.
 #   cmake [-DEMULATOR=wine64] -DTEST=... -DREFERENCE=... -P compare_digests.cmake

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The C++ side of the C interface's battery: the same steps as c_interface_test.c, through the C++
 // members and operators, printing the same digests. The two outputs must be equal line for line.
 #include <quillon/Region>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The ABI battery built against the library's own headers: on Linux and, with mingw-w64, against
 // the static GCC-ABI libraries under Wine. Its digests are what the MSVC-ABI caller must print.
 #include <quillon/Region>

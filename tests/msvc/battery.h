@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A seeded battery over every exported member of Transform<T> (float, double, guarddouble) and
 // every export of the guard classes, written once and built twice: against the library's own
 // headers (battery.cpp, any compiler) and, as a program built for the MSVC ABI, against the test's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program built for the MSVC ABI (clang for the *-pc-windows-msvc targets, no C++ standard
 // library, no C runtime start-up of its own) that uses Quillon.dll and "Guard Scalars.dll" by the
 // test's own declaration of them, and runs the ABI battery. Linked with Quillon.lib,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The test's own declaration of Quillon.dll and "Guard Scalars.dll" for a program built for the
 // MSVC ABI, written from the interface table (exported members, by value and by reference, with
 // their qualifiers), independently of the library's header: the DLL check compares the names

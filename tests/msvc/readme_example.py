@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Builds the README's example of a program made with the platform's compiler (the C++ block that
 includes <quillon/msvc/Quillon.h>) for the MSVC ABI against Quillon.lib, runs it under Wine and
 checks that it prints what its comment says.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stands in for <windows.h> and <stdio.h> when the test suite builds the README's example of a
 // program made with the platform's compiler (clang for the MSVC target has no Windows SDK here):
 // the region functions and printf it uses, and an entry point without a C runtime start-up.

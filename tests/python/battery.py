@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The seeded battery of tests/bindings/battery.h, step for step in Python: the same generator
 draws the same inputs, and the same digest of result bits is printed per family, so the module's
 results can be held against the C++ reference program's."""

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The Python module against the C++ library: the seeded battery's digests must equal the C++
 reference program's bit for bit; hand-picked rules; bad input raises TypeError or ValueError."""
 import os

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Runs the conformance battery of several builds and compares their result bits.
 
 usage: compare.py NAME=LIBC:COMMAND [NAME=LIBC:COMMAND ...]

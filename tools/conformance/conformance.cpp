@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Conformance battery: a fixed, seeded run over every operation of the library and every
 // combination of element types, printing a 64-bit digest of all result bits per family and one
 // over all families. Two builds that print the same digests computed the same bits.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The quillon tool: what its commands share. Reading numbers and axis letters from text, writing
 // them back (shortest round-trip decimal, or hexadecimal floating point for bit-exact comparison),
 // a small JSON writer, the table of element types, and the one way a command fails.

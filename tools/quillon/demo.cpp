@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon demo (also what a bare quillon runs): one region turned and moved by a transform over
 // float, double and guarddouble, step by step, with a picture of the region before and after.
 #include "region.h"

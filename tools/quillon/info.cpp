@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon info: the version record and the exported names, read from the module file that this
 // process has loaded. The file is parsed here, with nothing but <elf.h>: the section
 // .quillon.version holds the record as "Name=Value" strings, each ended by a NUL, and the dynamic

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon: the library's command-line tool. Bad input gives one line on standard error and exit
 // status 2; a file it was asked to write appears only when the command succeeds.
 #include "common.h"

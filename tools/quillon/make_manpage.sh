@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Writes the manual page of the quillon tool with help2man, from the tool's own --help and
 # --version, with each command's --help as a section of its own.
 # usage: make_manpage.sh QUILLON HELP2MAN OUTPUT

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon map: a transform built from options taken in order, applied to points.
 #include "steps.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon matrix: determinant, adjoint, inverse and transpose of one matrix.
 #include "common.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The SVG pictures of the region and demo commands: each region in its own coordinates, with
 // axes and tick labels (y downward, as on screen), the user's rectangles as dashed outlines, the
 // mapped region as one filled area (one path, so no seams between its rectangles), marked pixels

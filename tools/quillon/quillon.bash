@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Bash completion of the quillon tool: its commands, each command's options, the values of
 # --type and --vector, the axes of --turn, --scale and --move, and file names for --file, --svg
 # and --output.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // quillon region: a region of rectangles through a transform, and the SVG picture of it.
 #include "region.h"
 #include "steps.h"

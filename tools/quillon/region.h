@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Regions in the quillon tool: making one from rectangles, reading its rectangles back, what a
 // transform makes of it, and the SVG picture of that.
 #ifndef QUILLON_TOOL_REGION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "steps.h"
 
 #include <CLI/CLI.hpp>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The options that build a transform, shared by map and region: --euler, --turn, --scale,
 // --move and --matrix, each repeatable and taken in the order given on the command line.
 #ifndef QUILLON_TOOL_STEPS_H

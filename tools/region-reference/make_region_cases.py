@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Writes the region script cases (see region_script.h) to standard output.
 
 Hand-picked cases come first, then seeded random ones, so the output is the same on every run.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Regenerates tests/data/region_corpus.txt: builds the reference program for Windows, runs the
 # cases of make_region_cases.py through the platform's region functions and records the results.
 #

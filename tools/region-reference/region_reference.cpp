@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes the reference transcript of region scripts, run on the platform's own region functions.
 //
 // Built for Windows (see regenerate_region_corpus.sh) and run there or under a compatible

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A tiny line-oriented language that drives the region functions and prints what they return.
 //
 // The same source is compiled twice: against the platform's <windows.h> by region_reference.cpp,

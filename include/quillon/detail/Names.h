@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Readable names for the members of Transform<T>.
 //
 // The members keep their numbered names (Function_2412 ... Function_2431): they are the library's

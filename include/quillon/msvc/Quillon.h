@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quillon.dll and "Guard Scalars.dll" as a program built with the platform's own compiler (or
 // clang for the MSVC targets) sees them: the exported members of Transform<T> for float, double and
 // guarddouble, the exported members of the guard classes, and the layout of ThreeDVector<T>.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The library's side of Quillon.dll's MSVC-ABI entry points (compiled by mingw-w64 g++): each
 // function runs the one member of Transform<T> that an entry point stands for, on storage that the
 // entry point owns and that has the layout of Transform<T> and ThreeDVector<B> in both ABIs.

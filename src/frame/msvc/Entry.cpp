@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quillon.dll's exported members of Transform<T> under the platform compiler's names and calling
 // conventions (compiled by clang for the MSVC target: __thiscall on i686, class values passed
 // through memory and returned through a hidden pointer). Each member hands its object and arguments

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The seam between the MSVC-ABI entry points of Quillon.dll (compiled by clang for the MSVC
    target) and the library's one implementation (compiled by mingw-w64 g++). Plain C with pointer
    arguments: both compilers pass and return these the same way on i686 and x86_64.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exports of "Guard Scalars.dll" under the platform compiler's names and conventions (compiled
 // by clang for the MSVC target). Copies, the default constructor and the destructors only move the
 // stored value; everything else runs the library's own guard code through the C seam.

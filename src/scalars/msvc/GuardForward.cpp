@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Inside Quillon.dll, whose code is built with QUILLON_GUARD_OUT_OF_LINE: the guard operations
 // that <quillon/GuardScalars> then only declares, each one forwarded to the member that Quillon.dll
 // imports from "Guard Scalars.dll" by its MSVC name, so that the module runs beside any build of

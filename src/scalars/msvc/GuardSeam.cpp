@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guard classes' C seam, written once and compiled on both sides of the ABI boundary:
 //  - by mingw-w64 g++ into "Guard Scalars.dll" as quillon_guard_*, where it runs the library's own
 //    guard members for the DLL's MSVC-ABI exports;

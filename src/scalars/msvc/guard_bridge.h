@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The seams of the guard classes between the MSVC ABI and the library's implementation, as plain
    C with pointer arguments (both compilers pass these the same way).
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 /* The six element types as the C seams between the two compilers' ABIs number them. */
 #ifndef QUILLON_SCALARS_MSVC_KINDS_H
 #define QUILLON_SCALARS_MSVC_KINDS_H
