@@ -4,10 +4,12 @@
 #ifndef QUILLON_C_INTERFACE_H
 #define QUILLON_C_INTERFACE_H
 
+#include <quillon/Batch>
 #include <quillon/Transform>
 #include <quillon/quillon.h>
 
 #include <cstddef>
+#include <type_traits>
 #include <cstdint>
 
 // The n-point loop has every call in it inlined (the member and its helpers included): as a call
@@ -120,9 +122,9 @@ typename CTypes<B>::Point mapPoint(const Transform<A>& t, const typename CTypes<
     return {R::leave(image.GetX()), R::leave(image.GetY()), R::leave(image.GetZ())};
 }
 
-// Every n-point mapping of the C interface, and through it of the Python module, runs here: point
-// by point through the C++ operator, each point read whole before its image is written, so out
-// may be in itself.
+// Every n-point mapping of the C interface, and through it of the Python module, runs here: float
+// and double pairs through the batch call (<quillon/Batch>), the others point by point through the
+// C++ operator; either way each point is read whole before its image is written, so out may be in.
 template <class A, class B>
 QUILLON_C_FLATTEN int mapPoints(const typename CTypes<A>::Transform* t, const typename CTypes<B>::Point* in,
               typename CTypes<B>::Point* out, std::size_t n) noexcept
@@ -130,7 +132,17 @@ QUILLON_C_FLATTEN int mapPoints(const typename CTypes<A>::Transform* t, const ty
     if (n == 0) return QUILLON_OK;
     if (!in || !out) return QUILLON_NULL_ARGUMENT;
     const Transform<A> transform = enter<A>(t);
-    for (std::size_t i = 0; i < n; ++i) out[i] = mapPoint<A, B>(transform, in[i]);
+    constexpr bool plain = (std::is_same_v<A, float> || std::is_same_v<A, double>) &&
+                           (std::is_same_v<B, float> || std::is_same_v<B, double>);
+    if constexpr (plain) {
+        // A point of float or double is three components, as a ThreeDVector is: the batch kernels
+        // take the array as it stands, with the per-point operator's bits.
+        static_assert(sizeof(typename CTypes<B>::Point) == sizeof(ThreeDVector<B>));
+        quillon::mapPoints(transform, reinterpret_cast<const ThreeDVector<B>*>(in),
+                           reinterpret_cast<ThreeDVector<B>*>(out), n);
+    } else {
+        for (std::size_t i = 0; i < n; ++i) out[i] = mapPoint<A, B>(transform, in[i]);
+    }
     return QUILLON_OK;
 }
 
