@@ -169,6 +169,17 @@ static float elem_gf(qb_rng* r) { return qb_float(r); }
 #define put_i qb_put_int
 #define put_gi qb_put_int
 #define put_gf qb_put_float
+/* The same bits, or both NaN: which NaN a sum of NaNs gives depends on the order of its operands,
+   which the n-point kernels may take otherwise than the one-point code. */
+static int same_float(float a, float b) { return (a != a && b != b) || memcmp(&a, &b, sizeof a) == 0; }
+static int same_double(double a, double b) { return (a != a && b != b) || memcmp(&a, &b, sizeof a) == 0; }
+static int same_int(int32_t a, int32_t b) { return a == b; }
+#define same_f same_float
+#define same_d same_double
+#define same_gd same_double
+#define same_i same_int
+#define same_gi same_int
+#define same_gf same_float
 
 static void guard_families(void)
 {
@@ -386,7 +397,8 @@ TRANSFORM_FAMILY(gd, double, 6)
             CHECK(quillon_##P##_map_##Q##_n(&t, in, out, QB_MAP_POINTS) == QUILLON_OK);            \
             for (j = 0; j < QB_MAP_POINTS; ++j) {                                                  \
                 const quillon_##Q##_point one = quillon_##P##_map_##Q(&t, in[j]);                  \
-                CHECK(memcmp(&one, &out[j], sizeof one) == 0);                                     \
+                CHECK(same_##Q(one.x, out[j].x) && same_##Q(one.y, out[j].y) &&                   \
+                      same_##Q(one.z, out[j].z));                                                  \
                 put_##Q(&g, one.x);                                                                \
                 put_##Q(&g, one.y);                                                                \
                 put_##Q(&g, one.z);                                                                \
