@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Runs every fuzz target from its committed seeds, each input limited to one second.
-#   fuzz/run.sh BUILD_DIR runs N     a fixed number of executions per target (the test command)
-#   fuzz/run.sh BUILD_DIR seconds S  S seconds per target (long runs by hand)
+# Runs every fuzz target from its committed seeds.
+#   fuzz/run.sh BUILD_DIR runs N     a fixed number of executions per target, from a fixed random
+#                                    seed, each input limited to a minute: the test command's run,
+#                                    which looks for crashes and undefined behaviour, not for speed,
+#                                    and gives the same inputs on every machine
+#   fuzz/run.sh BUILD_DIR seconds S  S seconds per target, each input limited to one second (long
+#                                    runs by hand, which also look for slow inputs)
 # Prints executions per target and any finding; exits non-zero on a finding.
 set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -11,9 +15,13 @@ out=$1 how=$2 amount=$3
 status=0
 for target in ext_create_region polygons region_calls scalars region_mapping; do
   work=$(mktemp -d)
-  if [ "$how" = runs ]; then limit=(-runs="$amount"); else limit=(-max_total_time="$amount"); fi
+  if [ "$how" = runs ]; then
+    limit=(-runs="$amount" -seed=1 -timeout=60)
+  else
+    limit=(-max_total_time="$amount" -timeout=1)
+  fi
   log=$work/log
-  (cd "$work" && "$out/$target" "${limit[@]}" -timeout=1 -rss_limit_mb=2560 -print_final_stats=1 \
+  (cd "$work" && "$out/$target" "${limit[@]}" -rss_limit_mb=2560 -print_final_stats=1 \
       "$work" "$here/seeds/$target" >"$log" 2>&1)
   rc=$?
   execs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$')
