@@ -5,6 +5,8 @@
 // module's exported member against Eigen and against the same arithmetic written by hand.
 #include <quillon/Batch>
 
+#include "sample.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -24,17 +26,6 @@ constexpr std::size_t kBeyondCache = 10000000; // 240 MB in, 240 MB out
 constexpr std::size_t kSinglePoints = 1024;
 
 template <class T>
-Transform<T> turned()
-{
-    Transform<T> t;
-    t.Function_2424(0.3);
-    t.Function_2422(-0.7);
-    t.Function_2428('x', T(12.5));
-    t.Function_2428('z', T(-3.25));
-    return t;
-}
-
-template <class T>
 std::vector<ThreeDVector<T>> points(std::size_t n)
 {
     std::vector<ThreeDVector<T>> p(n);
@@ -47,7 +38,7 @@ std::vector<ThreeDVector<T>> points(std::size_t n)
 
 void runBatch(benchmark::State& state, std::size_t n)
 {
-    const Transform<double> t = turned<double>();
+    const Transform<double> t = sampleTransform<double>();
     const auto in = points<double>(n);
     std::vector<ThreeDVector<double>> out(n);
     for (auto _ : state) {
@@ -82,7 +73,7 @@ BENCHMARK(MapBatchOnPath)
 void MapPointByPoint(benchmark::State& state)
 {
     const std::size_t n = static_cast<std::size_t>(state.range(0));
-    const Transform<double> t = turned<double>();
+    const Transform<double> t = sampleTransform<double>();
     const auto in = points<double>(n);
     std::vector<ThreeDVector<double>> out(n);
     for (auto _ : state) {
@@ -99,7 +90,7 @@ void MapEigenLoop(benchmark::State& state)
 {
     const std::size_t n = static_cast<std::size_t>(state.range(0));
     double e[16];
-    turned<double>().Function_2416(e);
+    sampleTransform<double>().Function_2416(e);
     Eigen::Affine3d t;
     t.matrix() = Eigen::Map<const Eigen::Matrix<double, 4, 4, Eigen::RowMajor>>(e);
     const auto raw = points<double>(n);
@@ -134,7 +125,7 @@ BENCHMARK(CopyBytes)->Arg(kBeyondCache)->Unit(benchmark::kMicrosecond);
 
 void MapFloatInline(benchmark::State& state)
 {
-    const Transform<float> t = turned<float>();
+    const Transform<float> t = sampleTransform<float>();
     const auto in = points<float>(kSinglePoints);
     std::vector<ThreeDVector<float>> out(kSinglePoints);
     for (auto _ : state) {
@@ -160,7 +151,7 @@ void MapFloatExported(benchmark::State& state)
     }
     // The x86-64 calling convention passes the object as the first argument of a member.
     const Exported map = reinterpret_cast<Exported>(symbol);
-    const Transform<float> t = turned<float>();
+    const Transform<float> t = sampleTransform<float>();
     const auto in = points<float>(kSinglePoints);
     std::vector<ThreeDVector<float>> out(kSinglePoints);
     for (auto _ : state) {
@@ -176,7 +167,7 @@ BENCHMARK(MapFloatExported);
 void MapFloatByHand(benchmark::State& state)
 {
     float e[16];
-    turned<float>().Function_2416(e);
+    sampleTransform<float>().Function_2416(e);
     const auto raw = points<float>(kSinglePoints);
     std::vector<float> in(3 * kSinglePoints), out(3 * kSinglePoints);
     for (std::size_t i = 0; i < kSinglePoints; ++i) {
@@ -202,7 +193,7 @@ BENCHMARK(MapFloatByHand);
 void MapFloatEigen(benchmark::State& state)
 {
     float e[16];
-    turned<float>().Function_2416(e);
+    sampleTransform<float>().Function_2416(e);
     Eigen::Affine3f t;
     t.matrix() = Eigen::Map<const Eigen::Matrix<float, 4, 4, Eigen::RowMajor>>(e);
     const auto raw = points<float>(kSinglePoints);

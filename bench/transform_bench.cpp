@@ -5,6 +5,8 @@
 // bits, and the comparison shows what the library's own code costs on top of that.
 #include <quillon/Transform>
 
+#include "sample.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -20,17 +22,6 @@
 namespace {
 
 constexpr int kPoints = 1024;
-
-template <class T>
-Transform<T> sampleTransform()
-{
-    Transform<T> t;
-    t.Function_2424(0.3);
-    t.Function_2422(-0.7);
-    t.Function_2428('x', T(12.5));
-    t.Function_2428('z', T(-3.25));
-    return t;
-}
 
 #ifdef QUILLON_BENCH_EIGEN
 Eigen::Matrix4d eigenMatrix()
