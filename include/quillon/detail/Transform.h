@@ -686,6 +686,11 @@ struct MapRule<guarddouble> {
 };
 
 namespace detail {
+#if defined(__GNUC__)
+#  define QUILLON_MAP_COLD __attribute__((noinline, cold, pure))
+#else
+#  define QUILLON_MAP_COLD
+#endif
 // Whether every operand of a guarddouble mapping lies within 2^500 in magnitude (so no infinity and
 // no NaN). Then no product reaches 2^1000 and no sum 2^1002: no operand is at the limit, no sum or
 // product saturates, and a zero product has the IEEE sign, so each guard operation of the rows
@@ -693,32 +698,42 @@ namespace detail {
 inline bool guardRowsArePlain(const guarddouble (&e)[4][4], double x, double y, double z) noexcept
 {
     constexpr double bound = 0x1p500;
+#if defined(QUILLON_LANES)
+    // Two operands at a time: the magnitude is the bits without the sign, and a NaN compares false.
+    typedef long long Bits __attribute__((vector_size(16)));
+    const Bits magnitude = {0x7fffffffffffffffLL, 0x7fffffffffffffffLL};
+    const auto within = [&](double a, double b) {
+        return reinterpret_cast<Bits>(reinterpret_cast<LanePair>(reinterpret_cast<Bits>(LanePair{a, b}) & magnitude) <=
+                                      LanePair{bound, bound});
+    };
+    const Bits all = within(x, y) & within(z, e[0][0].value()) & within(e[0][1].value(), e[0][2].value()) &
+                     within(e[0][3].value(), e[1][0].value()) & within(e[1][1].value(), e[1][2].value()) &
+                     within(e[1][3].value(), e[2][0].value()) & within(e[2][1].value(), e[2][2].value()) &
+                     within(e[2][3].value(), e[2][3].value());
+    return (all[0] & all[1]) != 0;
+#else
     bool plain = (std::fabs(x) <= bound) & (std::fabs(y) <= bound) & (std::fabs(z) <= bound);
     for (int r = 0; r < 3; ++r)
         for (int c = 0; c < 4; ++c) plain &= std::fabs(e[r][c].value()) <= bound;
     return plain;
+#endif
 }
 
 // s_r = (((e[r][0] x + e[r][1] y) + e[r][2] z) + e[r][3]): the element is the left operand of
-// each product, the translation comes last, row 3 is never read.
-template <class A, class B>
-inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) noexcept
+// each product, the translation comes last, row 3 is never read. x, y and z are the components
+// as the transform's work type holds them (double for float and double, guarddouble for guarddouble).
+template <class A, class X>
+inline X rowSum(const A (&e)[4][4], int r, const X& x, const X& y, const X& z) noexcept
 {
     using W = Element<A>;
+    return ((W::work(e[r][0]) * x + W::work(e[r][1]) * y) + W::work(e[r][2]) * z) + W::work(e[r][3]);
+}
+
+// The three row sums stored as B.
+template <class A, class B, class S>
+inline ThreeDVector<B> leaveRows(const S& s0, const S& s1, const S& s2) noexcept
+{
     using R = MapRule<A>;
-    const auto x = W::work(R::enter(v.GetX()));
-    const auto y = W::work(R::enter(v.GetY()));
-    const auto z = W::work(R::enter(v.GetZ()));
-    bool plain = false;
-    if constexpr (std::is_same_v<A, guarddouble>) plain = guardRowsArePlain(e, x.value(), y.value(), z.value());
-    const auto row = [&](int r) {
-        if constexpr (std::is_same_v<A, guarddouble>) {
-            if (plain) // the same sum in plain double: every guard operation would give the IEEE result
-                return guarddouble(((e[r][0].value() * x.value() + e[r][1].value() * y.value()) +
-                                    e[r][2].value() * z.value()) + e[r][3].value());
-        }
-        return ((W::work(e[r][0]) * x + W::work(e[r][1]) * y) + W::work(e[r][2]) * z) + W::work(e[r][3]);
-    };
     ThreeDVector<B> result;
 #if defined(__GNUC__) && defined(__x86_64__)
     if constexpr (std::is_same_v<B, float>) {
@@ -727,16 +742,48 @@ inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) no
         // which cannot take its value from two 4-byte stores and waits for them to reach the
         // cache; packed here, the pair goes straight to the register. The values are the same.
         typedef float Pair __attribute__((vector_size(8)));
-        const Pair xy = {R::template leave<B>(row(0)), R::template leave<B>(row(1))};
+        const Pair xy = {R::template leave<B>(s0), R::template leave<B>(s1)};
         std::memcpy(static_cast<void*>(&result), &xy, sizeof xy);
-        result.SetZ(R::template leave<B>(row(2)));
+        result.SetZ(R::template leave<B>(s2));
         return result;
     }
 #endif
-    result.SetX(R::template leave<B>(row(0)));
-    result.SetY(R::template leave<B>(row(1)));
-    result.SetZ(R::template leave<B>(row(2)));
+    result.SetX(R::template leave<B>(s0));
+    result.SetY(R::template leave<B>(s1));
+    result.SetZ(R::template leave<B>(s2));
     return result;
+}
+
+// A guarddouble mapping with an operand beyond 2^500: every operation by the guard rules. Kept out
+// of line, so that the plain path of the caller's loop stays small; it reads and writes nothing
+// but its arguments and result.
+template <class B>
+QUILLON_MAP_COLD ThreeDVector<B> mapGuarded(const guarddouble (&e)[4][4], guarddouble x, guarddouble y,
+                                            guarddouble z) noexcept
+{
+    return leaveRows<guarddouble, B>(rowSum(e, 0, x, y, z), rowSum(e, 1, x, y, z), rowSum(e, 2, x, y, z));
+}
+
+template <class A, class B>
+inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) noexcept
+{
+    using W = Element<A>;
+    using R = MapRule<A>;
+    const auto x = W::work(R::enter(v.GetX()));
+    const auto y = W::work(R::enter(v.GetY()));
+    const auto z = W::work(R::enter(v.GetZ()));
+    if constexpr (std::is_same_v<A, guarddouble>) {
+        const double px = x.value(), py = y.value(), pz = z.value();
+        if (!guardRowsArePlain(e, px, py, pz)) return mapGuarded<B>(e, x, y, z);
+        // The same sums in plain double: every guard operation would give the IEEE result.
+        const auto plain = [&](int r) {
+            return guarddouble(((e[r][0].value() * px + e[r][1].value() * py) + e[r][2].value() * pz) +
+                               e[r][3].value());
+        };
+        return leaveRows<A, B>(plain(0), plain(1), plain(2));
+    } else {
+        return leaveRows<A, B>(rowSum(e, 0, x, y, z), rowSum(e, 1, x, y, z), rowSum(e, 2, x, y, z));
+    }
 }
 } // namespace detail
 } // namespace quillon
