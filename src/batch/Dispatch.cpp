@@ -7,6 +7,7 @@
 #include "Kernels.h"
 
 #include <atomic>
+#include <cstdint>
 
 namespace quillon::batch {
 namespace {
@@ -86,11 +87,21 @@ bool forcePath(Path path) noexcept
     return true;
 }
 
+// How many points to map one at a time before the kernel, so that the kernel's stores start on
+// a 64-byte line and no vector store straddles two: at most one line's worth of points, and none
+// where no point of the line starts on it (an output not aligned to its element).
+template <class T>
+std::size_t pointsBeforeLine(const T* out, std::size_t n) noexcept
+{
+    constexpr std::size_t line = 64, perLine = line / sizeof(T);
+    for (std::size_t k = 0; k < perLine && k < n; ++k)
+        if (reinterpret_cast<std::uintptr_t>(out + 3 * k) % line == 0) return k;
+    return 0;
+}
+
 void mapDoubles(const double (&m)[12], const double* in, double* out, std::size_t n, bool roundIn) noexcept
 {
-    std::size_t done = 0;
-    if (const auto kernel = kernelsOf(active()).doubles) done = kernel(m, in, out, n, roundIn);
-    for (std::size_t i = done; i < n; ++i) {
+    const auto one = [&](std::size_t i) {
         double x = in[3 * i], y = in[3 * i + 1], z = in[3 * i + 2];
         if (roundIn) {
             x = static_cast<float>(x);
@@ -100,19 +111,28 @@ void mapDoubles(const double (&m)[12], const double* in, double* out, std::size_
         out[3 * i] = row(m, 0, x, y, z);
         out[3 * i + 1] = row(m, 1, x, y, z);
         out[3 * i + 2] = row(m, 2, x, y, z);
-    }
+    };
+    const std::size_t head = pointsBeforeLine(out, n);
+    for (std::size_t i = 0; i < head; ++i) one(i);
+    std::size_t done = head;
+    if (const auto kernel = kernelsOf(active()).doubles)
+        done += kernel(m, in + 3 * head, out + 3 * head, n - head, roundIn);
+    for (std::size_t i = done; i < n; ++i) one(i);
 }
 
 void mapFloats(const double (&m)[12], const float* in, float* out, std::size_t n) noexcept
 {
-    std::size_t done = 0;
-    if (const auto kernel = kernelsOf(active()).floats) done = kernel(m, in, out, n);
-    for (std::size_t i = done; i < n; ++i) {
+    const auto one = [&](std::size_t i) {
         const double x = in[3 * i], y = in[3 * i + 1], z = in[3 * i + 2];
         out[3 * i] = static_cast<float>(row(m, 0, x, y, z));
         out[3 * i + 1] = static_cast<float>(row(m, 1, x, y, z));
         out[3 * i + 2] = static_cast<float>(row(m, 2, x, y, z));
-    }
+    };
+    const std::size_t head = pointsBeforeLine(out, n);
+    for (std::size_t i = 0; i < head; ++i) one(i);
+    std::size_t done = head;
+    if (const auto kernel = kernelsOf(active()).floats) done += kernel(m, in + 3 * head, out + 3 * head, n - head);
+    for (std::size_t i = done; i < n; ++i) one(i);
 }
 
 } // namespace quillon::batch
