@@ -239,17 +239,20 @@ bool offset(Region& region, std::int32_t dx, std::int32_t dy)
 // they overlap or touch, and neighbouring bands with the same spans are one band. Parts are
 // swept from top to bottom; the work is the rectangles of the parts and of the result, with a
 // sort of each row's spans.
-bool unionAll(const std::vector<const Region*>& parts, Region& out)
+bool unionAll(const std::vector<BoxRun>& parts, Region& out)
 {
     struct Band {
         std::int32_t top, bottom;
         const Box* first;
         int n;
     };
+    std::size_t total = 0;
+    for (const BoxRun& part : parts) total += static_cast<std::size_t>(part.n);
     std::vector<Band> bands;
-    for (const Region* part : parts) {
-        int n = 0;
-        const Box* b = part->boxes(n);
+    bands.reserve(total);
+    for (const BoxRun& part : parts) {
+        const int n = part.n;
+        const Box* b = part.first;
         for (int i = 0; i < n;) {
             int j = i + 1;
             while (j < n && b[j].y1 == b[i].y1) ++j;
@@ -257,9 +260,9 @@ bool unionAll(const std::vector<const Region*>& parts, Region& out)
             i = j;
         }
     }
-    std::stable_sort(bands.begin(), bands.end(),
-                     [](const Band& a, const Band& b) { return a.top < b.top; });
+    std::stable_sort(bands.begin(), bands.end(), [](const Band& a, const Band& b) { return a.top < b.top; });
     BoxBuffer boxes;
+    if (!boxes.reserveMore(std::min(total, kMaxRects))) return false; // the usual size of a union
     std::vector<const Band*> active;
     std::vector<Span> row, prev;
     std::size_t prevStart = 0; // first box of the last band written

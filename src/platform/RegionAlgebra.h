@@ -220,8 +220,13 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode);
 // Moves the region; adds without a limit, and a region whose coordinates wrapped leaves the
 // canonical form.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy);
+// The rectangles of one region in the canonical form, held elsewhere.
+struct BoxRun {
+    const Box* first;
+    int n;
+};
 // The union of many regions at once, rectangle for rectangle what joining them one by one with
 // combine gives; false past the rectangle limit.
-bool unionAll(const std::vector<const Region*>& parts, Region& out);
+bool unionAll(const std::vector<BoxRun>& parts, Region& out);
 
 } // namespace quillon::region_detail

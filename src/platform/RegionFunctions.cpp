@@ -320,18 +320,32 @@ HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* co
             if (!read || !made || wrapped) return nullptr;
         }
         // Pieces are joined in batches of at most about kMaxRects rectangles, each batch with the
-        // union so far: the same result, with the memory of one call bounded.
-        std::vector<std::unique_ptr<Region>> batch;
-        std::size_t batchRects = 0;
+        // union so far: the same result, with the memory of one call bounded. The pieces' rectangles
+        // go one after another into one array, made with one scratch space: nothing is allocated
+        // per piece once these have grown.
+        const ScanScratchPtr scratch = newScanScratch();
+        if (!scratch) return nullptr;
+        std::vector<Box> boxes;
+        std::vector<std::size_t> starts; // where each piece of the batch begins in boxes
+        boxes.reserve(std::min<std::size_t>(8 * static_cast<std::size_t>(polygons), kMaxRects)); // a few bands a piece
+        starts.reserve(static_cast<std::size_t>(polygons));
         auto flush = [&]() {
-            std::vector<const Region*> parts;
-            if (made) parts.push_back(result.get());
-            for (const auto& piece : batch) parts.push_back(piece.get());
+            std::vector<BoxRun> parts;
+            parts.reserve(starts.size() + 1);
+            if (made) {
+                int n = 0;
+                const Box* first = result->boxes(n);
+                parts.push_back(BoxRun{first, n});
+            }
+            for (std::size_t k = 0; k < starts.size(); ++k) {
+                const std::size_t end = k + 1 < starts.size() ? starts[k + 1] : boxes.size();
+                parts.push_back(BoxRun{boxes.data() + starts[k], static_cast<int>(end - starts[k])});
+            }
             Region joined;
             if (!unionAll(parts, joined)) return false;
             result->swap(joined);
-            batch.clear();
-            batchRects = 0;
+            boxes.clear();
+            starts.clear();
             made = true;
             return true;
         };
@@ -339,16 +353,14 @@ HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* co
         for (int i = 0; i < polygons; ++i) {
             const INT n = counts[i];
             if (n < 0) return nullptr;
-            auto piece = newRegion();
-            if (!piece) return nullptr;
-            if (makePolygons(p, &n, 1, mode, *piece)) {
-                batchRects += static_cast<std::size_t>(piece->count());
-                batch.push_back(std::move(piece));
-                if (batchRects > kMaxRects && !flush()) return nullptr;
+            const std::size_t start = boxes.size();
+            if (appendPolygon(p, n, mode, *scratch, boxes)) {
+                starts.push_back(start);
+                if (boxes.size() > kMaxRects && !flush()) return nullptr;
             }
             p += n;
         }
-        if (!batch.empty() && !flush()) return nullptr;
+        if (!starts.empty() && !flush()) return nullptr;
         if (!made) return nullptr;
         return publish(std::move(result), "quillon_region_union_polygons");
     });

@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <vector>
 
 namespace quillon::region_detail {
@@ -35,6 +36,17 @@ struct Edge {
     std::int32_t d, m, m1, incr1, incr2;
     int direction;     // +1 downward, -1 upward
 };
+
+} // namespace
+
+// The working arrays of scan conversion, kept between polygons by a caller that makes many.
+struct ScanScratch {
+    std::vector<Edge> edges;
+    std::vector<Edge*> active, fresh, merged;
+    std::vector<Span> spans, lastSpans;
+};
+
+namespace {
 
 Edge makeEdge(const POINT& upper, const POINT& lower, int direction) noexcept
 {
@@ -154,10 +166,13 @@ bool allCancel(const std::vector<Edge*>& active, bool winding) noexcept
     return true;
 }
 
-// Collects the rows' spans as rectangles, joining a row to the band above when its spans are the
-// same.
+// Collects the rows' spans as rectangles in Boxes (a BoxBuffer, or a BoxList appending to a shared
+// array), joining a row to the band above when its spans are the same.
+template <class Boxes>
 class BandWriter {
 public:
+    BandWriter(Boxes& boxes, std::vector<Span>& lastSpans) noexcept : boxes_(boxes), lastSpans_(lastSpans) {}
+
     bool add(std::int64_t top, std::int64_t bottom, const std::vector<Span>& spans)
     {
         if (spans.empty()) return true;
@@ -177,18 +192,40 @@ public:
         lastBottom_ = bottom;
         return true;
     }
-    bool finish(Region& region)
+    // The bounding box of what was written.
+    Box bound() const noexcept
     {
-        bound_.y2 = wrap(lastBottom_);
-        if (boxes_.size() == 0) bound_ = Box{0, 0, 0, 0};
-        return boxes_.handOver(region, bound_);
+        if (boxes_.size() == 0) return Box{0, 0, 0, 0};
+        Box b = bound_;
+        b.y2 = wrap(lastBottom_);
+        return b;
     }
 
 private:
-    BoxBuffer boxes_;
-    std::vector<Span> lastSpans_;
+    Boxes& boxes_;
+    std::vector<Span>& lastSpans_;
     std::int64_t lastBottom_ = 0;
     Box bound_{0, 0, 0, 0};
+};
+
+// Rectangles appended to a shared array from a starting place, with the limit of one region.
+class BoxList {
+public:
+    explicit BoxList(std::vector<Box>& all) noexcept : all_(all), start_(all.size()) {}
+    std::size_t size() const noexcept { return all_.size() - start_; }
+    Box* end() noexcept { return all_.data() + all_.size(); }
+    bool reserveMore(std::size_t k)
+    {
+        if (size() + k > kMaxRects) return false;
+        if (all_.size() + k > all_.capacity()) all_.reserve(std::max(2 * all_.capacity(), all_.size() + k));
+        return true;
+    }
+    void push(const Box& b) { all_.push_back(b); }
+    void drop() noexcept { all_.resize(start_); } // takes back what was appended
+
+private:
+    std::vector<Box>& all_;
+    std::size_t start_;
 };
 
 // Spans of one row from the active edges, which are in their order on that row.
@@ -219,17 +256,21 @@ void rowSpans(const std::vector<Edge*>& active, bool winding, std::vector<Span>&
     }
 }
 
-bool scanConvert(std::vector<Edge>& edges, bool winding, Region& out)
+template <class Writer>
+bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
 {
-    BandWriter writer;
-    if (edges.empty()) return writer.finish(out);
+    std::vector<Edge>& edges = scratch.edges;
+    if (edges.empty()) return true;
     // Edges in the order they start; among edges starting on one row, by x, keeping the
     // polygon's order where x ties.
     std::stable_sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
         return a.top != b.top ? a.top < b.top : a.x < b.x;
     });
-    std::vector<Edge*> active, fresh, merged;
-    std::vector<Span> spans;
+    std::vector<Edge*>& active = scratch.active;
+    std::vector<Edge*>& fresh = scratch.fresh;
+    std::vector<Edge*>& merged = scratch.merged;
+    std::vector<Span>& spans = scratch.spans;
+    active.clear();
     std::size_t next = 0;
     std::int64_t y = edges[0].top;
     while (true) {
@@ -279,7 +320,7 @@ bool scanConvert(std::vector<Edge>& edges, bool winding, Region& out)
         }
         ++y;
     }
-    return writer.finish(out);
+    return true;
 }
 
 } // namespace
@@ -300,23 +341,26 @@ constexpr std::int32_t kMaxPolygonRows = std::int32_t(1) << 27;
 // Points the edge list may hold; more fail as an allocation would, before anything is allocated.
 constexpr std::int64_t kMaxPoints = std::int64_t(1) << 24;
 
-bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode, Region& out)
+namespace {
+
+// What a polygon call makes before any scan: nothing (a failure), an empty region, one rectangle
+// taken whole, or edges in scratch to scan.
+enum class Outline { failed, empty, rectangle, edges };
+
+Outline outline(const POINT* points, const INT* counts, int polygons, ScanScratch& scratch, Box& rectangle)
 {
-    if (polygons <= 0) {
-        out.clear();
-        return true;
-    }
-    if (!counts) return false;
+    if (polygons <= 0) return Outline::empty;
+    if (!counts) return Outline::failed;
     std::int64_t total = 0;
     for (int i = 0; i < polygons; ++i) {
-        if (counts[i] < 0) return false;
+        if (counts[i] < 0) return Outline::failed;
         total += counts[i];
-        if (total > kMaxPoints) return false;
+        if (total > kMaxPoints) return Outline::failed;
     }
-    if (total > 0 && !points) return false;
+    if (total > 0 && !points) return Outline::failed;
     if (polygons == 1 && isRectangle(points, counts[0])) {
-        setRect(out, normalized(points[0].x, points[0].y, points[2].x, points[2].y));
-        return true;
+        rectangle = normalized(points[0].x, points[0].y, points[2].x, points[2].y);
+        return rectangle.x1 == rectangle.x2 || rectangle.y1 == rectangle.y2 ? Outline::empty : Outline::rectangle;
     }
     bool wrapped = false;
     std::int64_t rows = 0;
@@ -332,12 +376,10 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
         }
         p += n;
     }
-    if (!wrapped && wrap(rows) >= kMaxPolygonRows) return false;
-    if (wrapped || rows >= kMaxPolygonRows) {
-        out.clear();
-        return true;
-    }
-    std::vector<Edge> edges;
+    if (!wrapped && wrap(rows) >= kMaxPolygonRows) return Outline::failed;
+    if (wrapped || rows >= kMaxPolygonRows) return Outline::empty;
+    std::vector<Edge>& edges = scratch.edges;
+    edges.clear();
     edges.reserve(static_cast<std::size_t>(total));
     p = points;
     for (int i = 0; i < polygons; ++i) {
@@ -355,7 +397,43 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
         }
         p += n;
     }
-    return scanConvert(edges, mode == WINDING, out);
+    return Outline::edges;
+}
+
+} // namespace
+
+ScanScratchPtr newScanScratch() noexcept { return ScanScratchPtr(new (std::nothrow) ScanScratch); }
+void ScanScratchDeleter::operator()(ScanScratch* scratch) const noexcept { delete scratch; }
+
+bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode, Region& out)
+{
+    ScanScratch scratch;
+    Box rectangle;
+    switch (outline(points, counts, polygons, scratch, rectangle)) {
+    case Outline::failed: return false;
+    case Outline::empty: out.clear(); return true;
+    case Outline::rectangle: setRect(out, rectangle); return true;
+    case Outline::edges: break;
+    }
+    BoxBuffer boxes;
+    BandWriter<BoxBuffer> writer(boxes, scratch.lastSpans);
+    return scanConvert(scratch, mode == WINDING, writer) && boxes.handOver(out, writer.bound());
+}
+
+bool appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes)
+{
+    Box rectangle;
+    switch (outline(points, &n, 1, scratch, rectangle)) {
+    case Outline::failed: return false;
+    case Outline::empty: return true;
+    case Outline::rectangle: boxes.push_back(rectangle); return true;
+    case Outline::edges: break;
+    }
+    BoxList list(boxes);
+    BandWriter<BoxList> writer(list, scratch.lastSpans);
+    if (scanConvert(scratch, mode == WINDING, writer)) return true;
+    list.drop();
+    return false;
 }
 
 } // namespace quillon::region_detail
