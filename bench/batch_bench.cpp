@@ -189,6 +189,40 @@ void MapFloatByHand(benchmark::State& state)
 }
 BENCHMARK(MapFloatByHand);
 
+// The same arithmetic by hand in a function of the exported member's shape (the sixteen elements
+// and the point by address, the point back by value), called through a pointer: what any mapping
+// called out of line costs, since a call cannot keep the widened elements from one point to the next.
+struct FloatPoint {
+    float x, y, z;
+};
+[[gnu::noinline]] FloatPoint mapFloatCalled(const float* e, const FloatPoint& p)
+{
+    const double x = p.x, y = p.y, z = p.z;
+    const auto row = [&](int r) {
+        return static_cast<float>(((double(e[4 * r]) * x + double(e[4 * r + 1]) * y) + double(e[4 * r + 2]) * z) +
+                                  double(e[4 * r + 3]));
+    };
+    return FloatPoint{row(0), row(1), row(2)};
+}
+
+void MapFloatByHandCalled(benchmark::State& state)
+{
+    float e[16];
+    sampleTransform<float>().Function_2416(e);
+    const auto raw = points<float>(kSinglePoints);
+    std::vector<FloatPoint> in(kSinglePoints), out(kSinglePoints);
+    for (std::size_t i = 0; i < kSinglePoints; ++i) in[i] = {raw[i].GetX(), raw[i].GetY(), raw[i].GetZ()};
+    FloatPoint (*map)(const float*, const FloatPoint&) = mapFloatCalled;
+    benchmark::DoNotOptimize(map); // the compiler no longer knows which function it calls
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSinglePoints; ++i) out[i] = map(e, in[i]);
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatByHandCalled);
+
 #ifdef QUILLON_BENCH_EIGEN
 void MapFloatEigen(benchmark::State& state)
 {
