@@ -775,10 +775,14 @@ inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) no
     if constexpr (std::is_same_v<A, guarddouble>) {
         const double px = x.value(), py = y.value(), pz = z.value();
         if (!guardRowsArePlain(e, px, py, pz)) return mapGuarded<B>(e, x, y, z);
-        // The same sums in plain double: every guard operation would give the IEEE result.
+        // The same sums in plain double: every guard operation would give the IEEE result. No sum
+        // comes near the limit, so each is kept as it is, as guarddouble(double) would keep it.
         const auto plain = [&](int r) {
-            return guarddouble(((e[r][0].value() * px + e[r][1].value() * py) + e[r][2].value() * pz) +
-                               e[r][3].value());
+            const double sum = ((e[r][0].value() * px + e[r][1].value() * py) + e[r][2].value() * pz) + e[r][3].value();
+            guarddouble g;
+            static_assert(std::is_trivially_copyable_v<guarddouble> && sizeof(guarddouble) == sizeof(double));
+            std::memcpy(static_cast<void*>(&g), &sum, sizeof sum);
+            return g;
         };
         return leaveRows<A, B>(plain(0), plain(1), plain(2));
     } else {
