@@ -3,6 +3,7 @@
 // polygons whose edges cancel over millions of rows, results past the rectangle limit, handle
 // slots used until their generations run out, and counts whose sum no allocation could hold.
 #include <quillon/Region>
+#include <quillon/Transform>
 
 #if !defined(_WIN32) // on Windows these are the platform's own functions
 
@@ -14,6 +15,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -208,6 +210,63 @@ TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
     ASSERT_NE(rect, nullptr);
     EXPECT_EQ(rectsOf(rect), (std::vector<Rect>{{0, INT_MIN, 10, 0}}));
     DeleteObject(rect);
+}
+
+// Polygons whose rows would each start a band of their own, over more rows than the rectangle
+// limit: the result would pass the limit, and the call fails as an allocation failure would. An
+// edge that moves a column or more on every row and lies alone at the left or right end of its
+// rows shows this from the edges alone; a steeper one does not, and its polygon is made.
+TEST(RegionHostile, PolygonsPastTheLimitFromTheirEdges)
+{
+    const LONG H = (1 << 27) - 2;
+    for (int mode : {ALTERNATE, WINDING}) {
+        // A parallelogram ten columns wide, leaning 8 columns per row.
+        const POINT leaning[4] = {{0, 0}, {10, 0}, {(1 << 30) + 10, H}, {1 << 30, H}};
+        EXPECT_EQ(CreatePolygonRgn(leaning, 4, mode), nullptr) << "mode " << mode;
+        // Leaning left, one column wide, across the 32-bit wrap of x: its edges' differences wrap
+        // and their x wraps partway down.
+        const LONG far = 3 << 29;
+        const POINT wrapping[4] = {{-far, 0}, {-far + 1, 0}, {far + 1, H}, {far, H}};
+        EXPECT_EQ(CreatePolygonRgn(wrapping, 4, mode), nullptr) << "mode " << mode;
+        // Crossed: two triangles meeting at a point, both edges leaning.
+        const POINT crossed[4] = {{0, 0}, {1 << 30, 0}, {0, H}, {1 << 30, H}};
+        EXPECT_EQ(CreatePolygonRgn(crossed, 4, mode), nullptr) << "mode " << mode;
+    }
+    // 2^26 rows whose right edge moves one column every 64 rows: 2^20 + 1 bands, under the limit.
+    const LONG W = 1 << 20, R = 1 << 26;
+    const POINT steep[4] = {{0, 0}, {W, 0}, {2 * W, R}, {0, R}};
+    std::vector<Rect> want = {{0, 0, W, 1}};
+    for (LONG k = 1; k <= W; ++k) want.push_back({0, 64 * (k - 1) + 1, W + k, std::min(64 * k + 1, R)});
+    for (int mode : {ALTERNATE, WINDING}) {
+        HRGN h = CreatePolygonRgn(steep, 4, mode);
+        ASSERT_NE(h, nullptr) << "mode " << mode;
+        EXPECT_EQ(rectsOf(h), want) << "mode " << mode;
+        DeleteObject(h);
+    }
+}
+
+// A region mapped through a stretch that makes one rectangle's image a parallelogram of 10 * 2^23
+// rows, each a band of its own: the mapping fails, and nothing is left behind.
+TEST(RegionHostile, AMappingPastTheLimitGivesNull)
+{
+    const DWORD before = liveRegions();
+    HRGN square = CreateRectRgn(0, 0, 10, 10);
+    double e[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    e[1] = 1 << 26; // x + 2^26 y
+    e[5] = 1 << 23; // 2^23 y
+    EXPECT_EQ(Transform<double>(e) * square, nullptr);
+    // Leaning one column per 64 rows instead, it is made: 10 * 2^17 + 1 bands of one rectangle.
+    e[1] = 1 << 17;
+    HRGN made = Transform<double>(e) * square;
+    ASSERT_NE(made, nullptr);
+    const std::vector<Rect> rects = rectsOf(made);
+    EXPECT_EQ(rects.size(), std::size_t(10 << 17) + 1);
+    EXPECT_EQ(rects.front(), (Rect{0, 0, 10, 1}));
+    EXPECT_EQ(rects[1], (Rect{1, 1, 11, 65}));
+    EXPECT_EQ(rects.back(), (Rect{10 << 17, (10 << 23) - 63, (10 << 17) + 10, 10 << 23}));
+    DeleteObject(made);
+    DeleteObject(square);
+    EXPECT_EQ(liveRegions(), before);
 }
 
 long peakKilobytes()
