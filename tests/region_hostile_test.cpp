@@ -315,6 +315,108 @@ TEST(RegionHostile, OneRectangleLimitForEveryOperation)
     for (HRGN h : {a, b, dest}) DeleteObject(h);
 }
 
+HRGN regionOf(const std::vector<RECT>& rects)
+{
+    std::vector<std::uint64_t> store(4 + 2 * rects.size());
+    auto* data = reinterpret_cast<RGNDATA*>(store.data());
+    data->rdh = RGNDATAHEADER{sizeof(RGNDATAHEADER), RDH_RECTANGLES, DWORD(rects.size()),
+                              DWORD(16 * rects.size()), {0, 0, 0, 0}};
+    if (!rects.empty()) std::memcpy(data->Buffer, rects.data(), 16 * rects.size());
+    return ExtCreateRegion(nullptr, DWORD(32 + 16 * rects.size()), data);
+}
+
+std::vector<Rect> asRects(const std::vector<RECT>& rects)
+{
+    std::vector<Rect> out;
+    for (const RECT& r : rects) out.push_back({r.left, r.top, r.right, r.bottom});
+    return out;
+}
+
+// One band of many columns over many rows, met by bands of one row and one rectangle each: what
+// each operation keeps of the wide band, row by row, joined where rows repeat.
+TEST(RegionHostile, OneWideBandAgainstManyNarrowOnes)
+{
+    const LONG K = 256, R = 2048;
+    std::vector<RECT> columns, gaps, inside;
+    for (LONG c = 0; c < K; ++c) columns.push_back(RECT{4 * c, 0, 4 * c + 2, R});
+    auto at = [&](LONG j) { return (j * 7) % K; }; // the column a row's rectangle goes with
+    for (LONG j = 0; j < R; ++j) {
+        gaps.push_back(RECT{4 * at(j) + 2, j, 4 * at(j) + 3, j + 1}); // touching the column's right
+        inside.push_back(RECT{4 * at(j), j, 4 * at(j) + 1, j + 1});
+    }
+    HRGN a = regionOf(columns), g = regionOf(gaps), in = regionOf(inside), d = CreateRectRgn(0, 0, 0, 0);
+    ASSERT_TRUE(a && g && in && d);
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_AND), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_AND), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_AND), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(inside));
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(gaps));
+    EXPECT_EQ(CombineRgn(d, in, a, RGN_DIFF), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    EXPECT_EQ(CombineRgn(d, in, a, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    // Each row differs from the next: the columns, one of them notched (less the rectangle inside
+    // it) or widened (joined with the one touching it).
+    std::vector<Rect> notched, widened;
+    for (LONG j = 0; j < R; ++j)
+        for (LONG c = 0; c < K; ++c) {
+            notched.push_back({c == at(j) ? 4 * c + 1 : 4 * c, j, 4 * c + 2, j + 1});
+            widened.push_back({4 * c, j, c == at(j) ? 4 * c + 3 : 4 * c + 2, j + 1});
+        }
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), notched);
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_XOR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), widened);
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), widened);
+
+    // A wide band whose rectangles touch in pairs, as a polygon filled with WINDING keeps them:
+    // 128 rectangles side by side, turning one way and the other. Where a row's rectangle meets
+    // it, the union joins the whole row into one; a row it does not meet keeps the band as it is.
+    const LONG P = 128;
+    std::vector<POINT> points;
+    std::vector<INT> counts;
+    for (LONG i = 0; i < P; ++i) {
+        const POINT q[4] = {{2 * i, 0}, {2 * i + 2, 0}, {2 * i + 2, R}, {2 * i, R}};
+        if (i % 2)
+            points.insert(points.end(), {q[0], q[3], q[2], q[1]});
+        else
+            points.insert(points.end(), q, q + 4);
+        counts.push_back(4);
+    }
+    HRGN t = CreatePolyPolygonRgn(points.data(), counts.data(), static_cast<int>(P), WINDING);
+    ASSERT_NE(t, nullptr);
+    std::vector<Rect> band;
+    for (LONG i = 0; i < P; ++i) band.push_back({2 * i, 0, 2 * i + 2, R});
+    ASSERT_EQ(rectsOf(t), band);
+    std::vector<RECT> dots; // on even rows, in the left half of a rectangle
+    for (LONG j = 0; j < R; j += 2) dots.push_back(RECT{2 * ((j * 5) % P), j, 2 * ((j * 5) % P) + 1, j + 1});
+    HRGN e = regionOf(dots);
+    ASSERT_NE(e, nullptr);
+    std::vector<Rect> joined, cut;
+    for (LONG j = 0; j < R; ++j) {
+        if (j % 2 == 0) joined.push_back({0, j, 2 * P, j + 1});
+        for (LONG i = 0; i < P; ++i) {
+            if (j % 2) joined.push_back({2 * i, j, 2 * i + 2, j + 1});
+            const bool hit = j % 2 == 0 && i == (j * 5) % P;
+            cut.push_back({hit ? 2 * i + 1 : 2 * i, j, 2 * i + 2, j + 1});
+        }
+    }
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), joined);
+    EXPECT_EQ(CombineRgn(d, e, t, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), joined);
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), cut);
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_AND), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(dots));
+    for (HRGN h : {a, g, in, d, t, e}) DeleteObject(h);
+}
+
 // A slot handed out and freed until its generation counter is spent is retired: every handle the
 // table gives is new, and no stale handle ever names the object a later one names.
 TEST(RegionHostile, ASlotWhoseGenerationWouldWrapIsRetired)
