@@ -15,7 +15,8 @@ objects=()
 build_object() { # source, defines...
   local src=$1 obj=$out/obj/$(basename "${1%.cpp}").o
   shift
-  if [ ! -e "$obj" ] || [ "$src" -nt "$obj" ] || [ -n "$(find "$root/src" "$root/include" -newer "$obj" -print -quit)" ]; then
+  if [ ! -e "$obj" ] || [ "$src" -nt "$obj" ] ||
+     [ -n "$(find "$root/src" "$root/include" "$root/tools/quillon" -newer "$obj" -print -quit)" ]; then
     "$cxx" "${flags[@]}" -fsanitize=fuzzer-no-link "$@" $(pkg-config --cflags pixman-1) -c "$src" -o "$obj"
   fi
   objects+=("$obj")
@@ -27,7 +28,8 @@ build_object "$root/src/scalars/GuardScalars.cpp" -DQUILLON_BUILDING_GUARDSCALAR
 build_object "$root/src/transform/Transform.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/src/transform/RegionMapping.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/src/vector/ThreeDVector.cpp" -DQUILLON_BUILDING_MODULE
-for target in ext_create_region polygons region_calls scalars region_mapping; do
+build_object "$root/tools/quillon/common.cpp" # the tool's readers and writers
+for target in ext_create_region polygons region_calls scalars region_mapping tool_parsers; do
   if [ ! -e "$out/$target" ] || [ -n "$(find "$here" "${objects[@]}" -newer "$out/$target" -print -quit)" ]; then
     "$cxx" "${flags[@]}" -fsanitize=fuzzer "$here/$target.cpp" "${objects[@]}" $pixman -o "$out/$target"
   fi

@@ -24,7 +24,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         slot[s] = h;
         live[s] = h != nullptr;
     };
+    // Every call costs in proportion to its operands and its result, but 64 steps that each double
+    // a region (a region joined with itself moved, or one whose coordinates wrapped combined with
+    // itself) make millions of rectangles that are slow only for their number. A region past 2^16
+    // rectangles is let go after the step that made it.
+    auto large = [&](int s) { return live[s] && GetRegionData(slot[s], 0, nullptr) > 32 + 16 * 65536; };
     for (int step = 0; step < 64 && in.remaining_bytes() > 0; ++step) {
+        for (int s = 0; s < 4; ++s)
+            if (large(s)) put(s, nullptr);
         switch (in.ConsumeIntegralInRange<int>(0, 12)) {
         case 0: {
             const int s = pick();

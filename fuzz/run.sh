@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Runs every fuzz target from its committed seeds.
+# Runs every fuzz target (or the targets named after the amount) from its committed seeds.
 #   fuzz/run.sh BUILD_DIR runs N     a fixed number of executions per target, from a fixed random
 #                                    seed, each input limited to a minute: the test command's run,
 #                                    which looks for crashes and undefined behaviour, not for speed,
@@ -11,9 +11,12 @@
 set -uo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 out=$1 how=$2 amount=$3
+shift 3
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] || targets=(ext_create_region polygons region_calls scalars region_mapping tool_parsers)
 "$here/build.sh" "$out" || exit 1
 status=0
-for target in ext_create_region polygons region_calls scalars region_mapping; do
+for target in "${targets[@]}"; do
   work=$(mktemp -d)
   if [ "$how" = runs ]; then
     limit=(-runs="$amount" -seed=1 -timeout=60)
@@ -25,13 +28,14 @@ for target in ext_create_region polygons region_calls scalars region_mapping; do
       "$work" "$here/seeds/$target" >"$log" 2>&1)
   rc=$?
   execs=$(grep -o 'stat::number_of_executed_units: *[0-9]*' "$log" | grep -o '[0-9]*$')
+  rate=$(grep -o 'stat::average_exec_per_sec: *[0-9]*' "$log" | grep -o '[0-9]*$')
   if [ $rc -ne 0 ]; then
     echo "== $target: FINDING after ${execs:-?} executions"
     grep -E 'ERROR|SUMMARY|runtime error' "$log" | head -5
     mkdir -p "$out/findings" && cp "$work"/crash-* "$work"/timeout-* "$work"/leak-* "$work"/oom-* "$out/findings/" 2>/dev/null
     status=1
   else
-    echo "== $target: ${execs:-?} executions, no finding"
+    echo "== $target: ${execs:-?} executions (${rate:-?} per second), no finding"
   fi
   rm -rf "$work"
 done

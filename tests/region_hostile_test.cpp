@@ -3,6 +3,7 @@
 // polygons whose edges cancel over millions of rows, results past the rectangle limit, handle
 // slots used until their generations run out, and counts whose sum no allocation could hold.
 #include <quillon/Region>
+#include <quillon/Transform>
 
 #if !defined(_WIN32) // on Windows these are the platform's own functions
 
@@ -14,6 +15,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstdint>
 #include <cstring>
@@ -210,6 +212,63 @@ TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
     DeleteObject(rect);
 }
 
+// Polygons whose rows would each start a band of their own, over more rows than the rectangle
+// limit: the result would pass the limit, and the call fails as an allocation failure would. An
+// edge that moves a column or more on every row and lies alone at the left or right end of its
+// rows shows this from the edges alone; a steeper one does not, and its polygon is made.
+TEST(RegionHostile, PolygonsPastTheLimitFromTheirEdges)
+{
+    const LONG H = (1 << 27) - 2;
+    for (int mode : {ALTERNATE, WINDING}) {
+        // A parallelogram ten columns wide, leaning 8 columns per row.
+        const POINT leaning[4] = {{0, 0}, {10, 0}, {(1 << 30) + 10, H}, {1 << 30, H}};
+        EXPECT_EQ(CreatePolygonRgn(leaning, 4, mode), nullptr) << "mode " << mode;
+        // Leaning left, one column wide, across the 32-bit wrap of x: its edges' differences wrap
+        // and their x wraps partway down.
+        const LONG far = 3 << 29;
+        const POINT wrapping[4] = {{-far, 0}, {-far + 1, 0}, {far + 1, H}, {far, H}};
+        EXPECT_EQ(CreatePolygonRgn(wrapping, 4, mode), nullptr) << "mode " << mode;
+        // Crossed: two triangles meeting at a point, both edges leaning.
+        const POINT crossed[4] = {{0, 0}, {1 << 30, 0}, {0, H}, {1 << 30, H}};
+        EXPECT_EQ(CreatePolygonRgn(crossed, 4, mode), nullptr) << "mode " << mode;
+    }
+    // 2^26 rows whose right edge moves one column every 64 rows: 2^20 + 1 bands, under the limit.
+    const LONG W = 1 << 20, R = 1 << 26;
+    const POINT steep[4] = {{0, 0}, {W, 0}, {2 * W, R}, {0, R}};
+    std::vector<Rect> want = {{0, 0, W, 1}};
+    for (LONG k = 1; k <= W; ++k) want.push_back({0, 64 * (k - 1) + 1, W + k, std::min(64 * k + 1, R)});
+    for (int mode : {ALTERNATE, WINDING}) {
+        HRGN h = CreatePolygonRgn(steep, 4, mode);
+        ASSERT_NE(h, nullptr) << "mode " << mode;
+        EXPECT_EQ(rectsOf(h), want) << "mode " << mode;
+        DeleteObject(h);
+    }
+}
+
+// A region mapped through a stretch that makes one rectangle's image a parallelogram of 10 * 2^23
+// rows, each a band of its own: the mapping fails, and nothing is left behind.
+TEST(RegionHostile, AMappingPastTheLimitGivesNull)
+{
+    const DWORD before = liveRegions();
+    HRGN square = CreateRectRgn(0, 0, 10, 10);
+    double e[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    e[1] = 1 << 26; // x + 2^26 y
+    e[5] = 1 << 23; // 2^23 y
+    EXPECT_EQ(Transform<double>(e) * square, nullptr);
+    // Leaning one column per 64 rows instead, it is made: 10 * 2^17 + 1 bands of one rectangle.
+    e[1] = 1 << 17;
+    HRGN made = Transform<double>(e) * square;
+    ASSERT_NE(made, nullptr);
+    const std::vector<Rect> rects = rectsOf(made);
+    EXPECT_EQ(rects.size(), std::size_t(10 << 17) + 1);
+    EXPECT_EQ(rects.front(), (Rect{0, 0, 10, 1}));
+    EXPECT_EQ(rects[1], (Rect{1, 1, 11, 65}));
+    EXPECT_EQ(rects.back(), (Rect{10 << 17, (10 << 23) - 63, (10 << 17) + 10, 10 << 23}));
+    DeleteObject(made);
+    DeleteObject(square);
+    EXPECT_EQ(liveRegions(), before);
+}
+
 long peakKilobytes()
 {
     rusage u{};
@@ -254,6 +313,108 @@ TEST(RegionHostile, OneRectangleLimitForEveryOperation)
     // 2^25 rectangles would take 512 MB; refusing them takes next to nothing.
     EXPECT_LT(peakKilobytes() - peakBefore, 64 * 1024) << "kilobytes of peak memory";
     for (HRGN h : {a, b, dest}) DeleteObject(h);
+}
+
+HRGN regionOf(const std::vector<RECT>& rects)
+{
+    std::vector<std::uint64_t> store(4 + 2 * rects.size());
+    auto* data = reinterpret_cast<RGNDATA*>(store.data());
+    data->rdh = RGNDATAHEADER{sizeof(RGNDATAHEADER), RDH_RECTANGLES, DWORD(rects.size()),
+                              DWORD(16 * rects.size()), {0, 0, 0, 0}};
+    if (!rects.empty()) std::memcpy(data->Buffer, rects.data(), 16 * rects.size());
+    return ExtCreateRegion(nullptr, DWORD(32 + 16 * rects.size()), data);
+}
+
+std::vector<Rect> asRects(const std::vector<RECT>& rects)
+{
+    std::vector<Rect> out;
+    for (const RECT& r : rects) out.push_back({r.left, r.top, r.right, r.bottom});
+    return out;
+}
+
+// One band of many columns over many rows, met by bands of one row and one rectangle each: what
+// each operation keeps of the wide band, row by row, joined where rows repeat.
+TEST(RegionHostile, OneWideBandAgainstManyNarrowOnes)
+{
+    const LONG K = 256, R = 2048;
+    std::vector<RECT> columns, gaps, inside;
+    for (LONG c = 0; c < K; ++c) columns.push_back(RECT{4 * c, 0, 4 * c + 2, R});
+    auto at = [&](LONG j) { return (j * 7) % K; }; // the column a row's rectangle goes with
+    for (LONG j = 0; j < R; ++j) {
+        gaps.push_back(RECT{4 * at(j) + 2, j, 4 * at(j) + 3, j + 1}); // touching the column's right
+        inside.push_back(RECT{4 * at(j), j, 4 * at(j) + 1, j + 1});
+    }
+    HRGN a = regionOf(columns), g = regionOf(gaps), in = regionOf(inside), d = CreateRectRgn(0, 0, 0, 0);
+    ASSERT_TRUE(a && g && in && d);
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_AND), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_AND), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_AND), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(inside));
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(gaps));
+    EXPECT_EQ(CombineRgn(d, in, a, RGN_DIFF), NULLREGION);
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    EXPECT_EQ(CombineRgn(d, in, a, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(columns));
+    // Each row differs from the next: the columns, one of them notched (less the rectangle inside
+    // it) or widened (joined with the one touching it).
+    std::vector<Rect> notched, widened;
+    for (LONG j = 0; j < R; ++j)
+        for (LONG c = 0; c < K; ++c) {
+            notched.push_back({c == at(j) ? 4 * c + 1 : 4 * c, j, 4 * c + 2, j + 1});
+            widened.push_back({4 * c, j, c == at(j) ? 4 * c + 3 : 4 * c + 2, j + 1});
+        }
+    EXPECT_EQ(CombineRgn(d, a, in, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), notched);
+    EXPECT_EQ(CombineRgn(d, a, g, RGN_XOR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), widened);
+    EXPECT_EQ(CombineRgn(d, g, a, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), widened);
+
+    // A wide band whose rectangles touch in pairs, as a polygon filled with WINDING keeps them:
+    // 128 rectangles side by side, turning one way and the other. Where a row's rectangle meets
+    // it, the union joins the whole row into one; a row it does not meet keeps the band as it is.
+    const LONG P = 128;
+    std::vector<POINT> points;
+    std::vector<INT> counts;
+    for (LONG i = 0; i < P; ++i) {
+        const POINT q[4] = {{2 * i, 0}, {2 * i + 2, 0}, {2 * i + 2, R}, {2 * i, R}};
+        if (i % 2)
+            points.insert(points.end(), {q[0], q[3], q[2], q[1]});
+        else
+            points.insert(points.end(), q, q + 4);
+        counts.push_back(4);
+    }
+    HRGN t = CreatePolyPolygonRgn(points.data(), counts.data(), static_cast<int>(P), WINDING);
+    ASSERT_NE(t, nullptr);
+    std::vector<Rect> band;
+    for (LONG i = 0; i < P; ++i) band.push_back({2 * i, 0, 2 * i + 2, R});
+    ASSERT_EQ(rectsOf(t), band);
+    std::vector<RECT> dots; // on even rows, in the left half of a rectangle
+    for (LONG j = 0; j < R; j += 2) dots.push_back(RECT{2 * ((j * 5) % P), j, 2 * ((j * 5) % P) + 1, j + 1});
+    HRGN e = regionOf(dots);
+    ASSERT_NE(e, nullptr);
+    std::vector<Rect> joined, cut;
+    for (LONG j = 0; j < R; ++j) {
+        if (j % 2 == 0) joined.push_back({0, j, 2 * P, j + 1});
+        for (LONG i = 0; i < P; ++i) {
+            if (j % 2) joined.push_back({2 * i, j, 2 * i + 2, j + 1});
+            const bool hit = j % 2 == 0 && i == (j * 5) % P;
+            cut.push_back({hit ? 2 * i + 1 : 2 * i, j, 2 * i + 2, j + 1});
+        }
+    }
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), joined);
+    EXPECT_EQ(CombineRgn(d, e, t, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), joined);
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_DIFF), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), cut);
+    EXPECT_EQ(CombineRgn(d, t, e, RGN_AND), COMPLEXREGION);
+    EXPECT_EQ(rectsOf(d), asRects(dots));
+    for (HRGN h : {a, g, in, d, t, e}) DeleteObject(h);
 }
 
 // A slot handed out and freed until its generation counter is spent is retired: every handle the

@@ -168,6 +168,478 @@ bool keepFirstOnly(bool a, bool b) noexcept { return a && !b; }
 bool keepSecondOnly(bool a, bool b) noexcept { return b && !a; }
 bool keepOne(bool a, bool b) noexcept { return a != b; }
 
+// ----- set operations band by band -------------------------------------------------------------
+//
+// The operations on regions in the canonical form, rectangle for rectangle what pixman's band
+// algebra gives, with work that follows the sizes of the operands and of the result rather than
+// their product. The rows are cut into stretches where neither operand changes its band, as
+// pixman cuts them; a stretch covered by one operand alone keeps that band as it is (union, and
+// the first operand of a difference), and a stretch covered by both gets
+//  - intersection: every overlap of a rectangle of one band with a rectangle of the other;
+//  - union: the spans of both bands, joined where they overlap or touch;
+//  - difference: each rectangle of the first band less the second band, in its uncovered pieces.
+// A stretch whose band is the one just above it, rectangle for rectangle, joins that band.
+//
+// A wide band met by a narrow one changes only near the narrow band's rectangles. Such a result
+// is held as the wide band with runs of its rectangles replaced (found by binary search), and two
+// such results over the same band are compared on the replaced runs alone, so that a narrow band
+// moving down a wide one costs the narrow band's size, not the wide one's, unless the result
+// itself is written out.
+
+namespace {
+
+using Index = std::size_t;
+
+struct BandView {
+    const Box* r = nullptr;
+    Index n = 0;
+};
+
+// The first rectangle of the band whose right side lies past x (or reaches x, with reach).
+Index firstEndingAfter(const BandView& b, std::int64_t x, bool reach) noexcept
+{
+    Index lo = 0, hi = b.n;
+    while (lo < hi) {
+        const Index mid = lo + (hi - lo) / 2;
+        if (reach ? b.r[mid].x2 >= x : b.r[mid].x2 > x)
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    return lo;
+}
+
+// The first rectangle of the band whose left side lies at or past x (or past x, with strict).
+Index firstStartingFrom(const BandView& b, std::int64_t x, bool strict) noexcept
+{
+    Index lo = 0, hi = b.n;
+    while (lo < hi) {
+        const Index mid = lo + (hi - lo) / 2;
+        if (strict ? b.r[mid].x1 > x : b.r[mid].x1 >= x)
+            hi = mid;
+        else
+            lo = mid + 1;
+    }
+    return lo;
+}
+
+// One band of a result: the base band's rectangles (their x only), with runs [from, to) replaced
+// by spans. A result made outright has no base and one replacement at 0.
+struct BandResult {
+    struct Patch {
+        Index from, to, first, count;
+    };
+    const Box* base = nullptr;
+    Index baseN = 0;
+    std::vector<Patch> patches;
+    std::vector<Span> spans;
+    Index length = 0;
+
+    void start(const Box* b, Index n)
+    {
+        base = b;
+        baseN = n;
+        patches.clear();
+        spans.clear();
+        length = n;
+    }
+    // Replaces base [from, to) by the spans added since first.
+    void patch(Index from, Index to, Index first)
+    {
+        patches.push_back(Patch{from, to, first, spans.size() - first});
+        length = length - (to - from) + (spans.size() - first);
+    }
+    // The rectangles' x over base [from, to), with the patches inside it (all of them lie inside).
+    template <class F>
+    void each(Index from, Index to, const Patch* p, const Patch* pEnd, F&& f) const
+    {
+        Index at = from;
+        for (; p != pEnd; ++p) {
+            for (; at < p->from; ++at) f(Span{base[at].x1, base[at].x2});
+            for (Index k = 0; k < p->count; ++k) f(spans[p->first + k]);
+            at = p->to;
+        }
+        for (; at < to; ++at) f(Span{base[at].x1, base[at].x2});
+    }
+    template <class F>
+    void each(F&& f) const
+    {
+        each(0, baseN, patches.data(), patches.data() + patches.size(), f);
+    }
+};
+
+bool sameSpans(const BandResult& a, Index af, Index at, const BandResult::Patch* ap, const BandResult::Patch* ape,
+               const BandResult& b, Index bf, Index bt, const BandResult::Patch* bp, const BandResult::Patch* bpe,
+               std::vector<Span>& sa, std::vector<Span>& sb)
+{
+    sa.clear();
+    sb.clear();
+    a.each(af, at, ap, ape, [&](const Span& s) { sa.push_back(s); });
+    b.each(bf, bt, bp, bpe, [&](const Span& s) { sb.push_back(s); });
+    return sa == sb;
+}
+
+// Whether two results are the same rectangles. Over the same base, only the runs that either
+// replaces are compared, each cluster of overlapping runs as a whole.
+bool sameBand(const BandResult& a, const BandResult& b, std::vector<Span>& sa, std::vector<Span>& sb)
+{
+    if (a.length != b.length) return false;
+    using P = BandResult::Patch;
+    const P* ap = a.patches.data();
+    const P* ape = ap + a.patches.size();
+    const P* bp = b.patches.data();
+    const P* bpe = bp + b.patches.size();
+    if (a.base != b.base || a.baseN != b.baseN) return sameSpans(a, 0, a.baseN, ap, ape, b, 0, b.baseN, bp, bpe, sa, sb);
+    while (ap != ape || bp != bpe) {
+        const bool fromA = bp == bpe || (ap != ape && ap->from <= bp->from);
+        Index from = fromA ? ap->from : bp->from, to = fromA ? ap->to : bp->to;
+        const P *a0 = ap, *b0 = bp;
+        (fromA ? ap : bp)++;
+        for (bool grew = true; grew;) {
+            grew = false;
+            if (ap != ape && ap->from <= to) to = std::max(to, ap->to), ++ap, grew = true;
+            if (bp != bpe && bp->from <= to) to = std::max(to, bp->to), ++bp, grew = true;
+        }
+        // The same single replacement on both sides needs no look at the base.
+        if (ap - a0 == 1 && bp - b0 == 1 && a0->from == b0->from && a0->to == b0->to && a0->count == b0->count &&
+            std::equal(a.spans.begin() + a0->first, a.spans.begin() + a0->first + a0->count,
+                       b.spans.begin() + b0->first))
+            continue;
+        Index la = to - from, lb = to - from;
+        for (const P* p = a0; p != ap; ++p) la = la - (p->to - p->from) + p->count;
+        for (const P* p = b0; p != bp; ++p) lb = lb - (p->to - p->from) + p->count;
+        if (la != lb || !sameSpans(a, from, to, a0, ap, b, from, to, b0, bp, sa, sb)) return false;
+    }
+    return true;
+}
+
+enum class Op { Intersect, Union, Subtract };
+
+// The band algebra over two regions in the canonical form; with writing false it only counts.
+class BandSweep {
+public:
+    BandSweep(Op op, const Region& a, const Region& b, bool writing, std::size_t limit)
+        : op_(op), writing_(writing), limit_(limit)
+    {
+        int na = 0, nb = 0;
+        a_ = a.boxes(na);
+        b_ = b.boxes(nb);
+        na_ = static_cast<Index>(na);
+        nb_ = static_cast<Index>(nb);
+    }
+
+    // False past the limit (or when memory runs out).
+    bool run()
+    {
+        constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+        Index ia = 0, ib = 0;
+        Index ea = na_ ? bandEnd(a_, na_, 0) : 0, eb = nb_ ? bandEnd(b_, nb_, 0) : 0;
+        std::int64_t y = std::numeric_limits<std::int64_t>::min();
+        while (ia < na_ || ib < nb_) {
+            const std::int64_t aTop = ia < na_ ? a_[ia].y1 : kNone, aBottom = ia < na_ ? a_[ia].y2 : kNone;
+            const std::int64_t bTop = ib < nb_ ? b_[ib].y1 : kNone, bBottom = ib < nb_ ? b_[ib].y2 : kNone;
+            if (ia < na_ && aBottom <= y) {
+                ia = ea;
+                if (ia < na_) ea = bandEnd(a_, na_, ia);
+                continue;
+            }
+            if (ib < nb_ && bBottom <= y) {
+                ib = eb;
+                if (ib < nb_) eb = bandEnd(b_, nb_, ib);
+                continue;
+            }
+            y = std::max(y, std::min(aTop, bTop));
+            const bool inA = aTop <= y, inB = bTop <= y;
+            const std::int64_t end = std::min(inA ? aBottom : aTop, inB ? bBottom : bTop);
+            const BandView va{inA ? a_ + ia : nullptr, inA ? ea - ia : 0};
+            const BandView vb{inB ? b_ + ib : nullptr, inB ? eb - ib : 0};
+            if (!stretch(va, vb, y, end)) return false;
+            y = end;
+        }
+        return true;
+    }
+
+    std::size_t count() const noexcept { return count_; }
+    bool finish(Region& out) { return boxes_.handOver(out, count_ ? bound_ : Box{0, 0, 0, 0}); }
+
+private:
+    static Index bandEnd(const Box* boxes, Index n, Index i) noexcept
+    {
+        Index j = i + 1;
+        while (j < n && boxes[j].y1 == boxes[i].y1) ++j;
+        return j;
+    }
+
+    bool stretch(const BandView& a, const BandView& b, std::int64_t top, std::int64_t bottom)
+    {
+        BandResult& cur = results_[current_];
+        if (a.n && b.n) {
+            switch (op_) {
+            case Op::Intersect: intersect(a, b, cur); break;
+            case Op::Union: unite(a, b, cur); break;
+            case Op::Subtract: subtract(a, b, cur); break;
+            }
+        } else if (a.n && op_ != Op::Intersect) {
+            cur.start(a.r, a.n);
+        } else if (b.n && op_ == Op::Union) {
+            cur.start(b.r, b.n);
+        } else {
+            cur.start(nullptr, 0);
+        }
+        if (cur.length == 0) { // nothing here: the band above is not continued
+            havePrevious_ = false;
+            return true;
+        }
+        const BandResult& prev = results_[1 - current_];
+        if (havePrevious_ && previousBottom_ == top && sameBand(prev, cur, sa_, sb_)) {
+            if (writing_)
+                for (Box* box = boxes_.begin() + previousStart_; box != boxes_.end(); ++box)
+                    box->y2 = static_cast<std::int32_t>(bottom);
+            bound_.y2 = static_cast<std::int32_t>(bottom);
+            previousBottom_ = bottom;
+            current_ = 1 - current_; // the same band, over bases that are still there
+            return true;
+        }
+        if (cur.length > limit_ - count_) return false;
+        if (writing_) {
+            if (!boxes_.reserveMore(cur.length)) return false;
+            previousStart_ = boxes_.size();
+            const auto t = static_cast<std::int32_t>(top), b2 = static_cast<std::int32_t>(bottom);
+            cur.each([&](const Span& s) {
+                boxes_.push(Box{s.x1, t, s.x2, b2});
+                if (count_ == 0 && boxes_.size() == 1) bound_ = Box{s.x1, t, s.x2, b2};
+                bound_.x1 = std::min(bound_.x1, s.x1);
+                bound_.x2 = std::max(bound_.x2, s.x2);
+            });
+        }
+        count_ += cur.length;
+        bound_.y2 = static_cast<std::int32_t>(bottom);
+        havePrevious_ = true;
+        previousBottom_ = bottom;
+        current_ = 1 - current_;
+        return true;
+    }
+
+    // Every overlap of a rectangle of a with one of b, from left to right.
+    void intersect(const BandView& a, const BandView& b, BandResult& out)
+    {
+        const BandView& small = a.n <= b.n ? a : b;
+        const BandView& large = a.n <= b.n ? b : a;
+        out.start(nullptr, 0);
+        for (Index i = 0; i < small.n; ++i) {
+            const Box& s = small.r[i];
+            for (Index j = firstEndingAfter(large, s.x1, false); j < large.n && large.r[j].x1 < s.x2; ++j)
+                out.spans.push_back(Span{std::max(s.x1, large.r[j].x1), std::min(s.x2, large.r[j].x2)});
+        }
+        out.patch(0, 0, 0);
+    }
+
+    // The uncovered pieces of m, less the band s, from left to right.
+    static void piecesOf(const Box& m, const BandView& s, std::vector<Span>& out)
+    {
+        std::int32_t x = m.x1;
+        for (Index k = firstEndingAfter(s, m.x1, false); k < s.n && s.r[k].x1 < m.x2; ++k) {
+            if (s.r[k].x1 > x) out.push_back(Span{x, s.r[k].x1});
+            x = std::max(x, s.r[k].x2);
+            if (x >= m.x2) return;
+        }
+        if (x < m.x2) out.push_back(Span{x, m.x2});
+    }
+
+    // Each rectangle of m less the band s. A minuend wider than the subtrahend keeps its
+    // rectangles but around those of s: those that s covers whole go, and only those at the ends of
+    // each rectangle of s are cut.
+    void subtract(const BandView& m, const BandView& s, BandResult& out)
+    {
+        if (m.n <= s.n || m.n <= kSmall) {
+            out.start(nullptr, 0);
+            for (Index i = 0; i < m.n; ++i) piecesOf(m.r[i], s, out.spans);
+            out.patch(0, 0, 0);
+            return;
+        }
+        out.start(m.r, m.n);
+        Index from = 0, to = 0, lastCut = m.n; // the run being replaced; the last minuend cut
+        bool open = false;
+        Index first = 0;
+        auto cut = [&](Index i) {
+            if (i == lastCut) return;
+            lastCut = i;
+            piecesOf(m.r[i], s, out.spans);
+        };
+        for (Index k = 0; k < s.n; ++k) {
+            const Index lo = firstEndingAfter(m, s.r[k].x1, false);
+            const Index hi = firstStartingFrom(m, s.r[k].x2, false);
+            if (lo >= hi) continue;
+            if (open && lo < to) {
+                to = std::max(to, hi);
+            } else {
+                if (open) out.patch(from, to, first);
+                open = true;
+                from = lo;
+                to = hi;
+                first = out.spans.size();
+            }
+            cut(lo);
+            cut(hi - 1);
+        }
+        if (open) out.patch(from, to, first);
+    }
+
+    // The spans of both bands joined. Over a wide band (its own touching rectangles joined
+    // first), each run that the narrow band's rectangles reach becomes one span.
+    void unite(const BandView& a, const BandView& b, BandResult& out)
+    {
+        const bool aLarge = a.n > b.n;
+        const BandView& small = aLarge ? b : a;
+        const BandView& large0 = aLarge ? a : b;
+        if (large0.n <= kSmall) {
+            out.start(nullptr, 0);
+            Index i = 0, j = 0;
+            auto take = [&](const Box& r) {
+                if (!out.spans.empty() && r.x1 <= out.spans.back().x2)
+                    out.spans.back().x2 = std::max(out.spans.back().x2, r.x2);
+                else
+                    out.spans.push_back(Span{r.x1, r.x2});
+            };
+            while (i < a.n || j < b.n) {
+                if (j == b.n || (i < a.n && a.r[i].x1 < b.r[j].x1))
+                    take(a.r[i++]);
+                else
+                    take(b.r[j++]);
+            }
+            out.patch(0, 0, 0);
+            return;
+        }
+        const BandView large = joined(aLarge ? 0 : 1, large0);
+        out.start(large.r, large.n);
+        bool open = false;
+        Index from = 0, to = 0;
+        Span span{0, 0};
+        auto close = [&]() {
+            if (!open) return;
+            if (to - from == 1 && large.r[from].x1 == span.x1 && large.r[from].x2 == span.x2) return;
+            const Index first = out.spans.size();
+            out.spans.push_back(span);
+            out.patch(from, to, first);
+        };
+        for (Index k = 0; k < small.n; ++k) {
+            const Box& s = small.r[k];
+            const Index lo = firstEndingAfter(large, s.x1, true);
+            const Index hi = firstStartingFrom(large, s.x2, true);
+            Span here{s.x1, s.x2};
+            if (lo < hi) here = Span{std::min(s.x1, large.r[lo].x1), std::max(s.x2, large.r[hi - 1].x2)};
+            if (open && here.x1 <= span.x2) {
+                to = std::max(to, hi);
+                span.x2 = std::max(span.x2, here.x2);
+            } else {
+                close();
+                open = true;
+                from = lo;
+                to = hi;
+                span = here;
+            }
+        }
+        close();
+    }
+
+    // The band with its touching rectangles joined: the band itself when none touch, else a copy,
+    // kept while the band lasts (and one more, which the result above may still show).
+    BandView joined(int which, const BandView& band)
+    {
+        Joined& j = joined_[which];
+        if (band.r == j.source) return j.view;
+        bool touching = false;
+        for (Index i = 1; i < band.n && !touching; ++i) touching = band.r[i].x1 == band.r[i - 1].x2;
+        j.source = band.r;
+        if (!touching) {
+            j.view = band;
+            return j.view;
+        }
+        j.spare = 1 - j.spare;
+        std::vector<Box>& copy = j.copies[j.spare];
+        copy.clear();
+        for (Index i = 0; i < band.n; ++i) {
+            if (!copy.empty() && copy.back().x2 >= band.r[i].x1)
+                copy.back().x2 = std::max(copy.back().x2, band.r[i].x2);
+            else
+                copy.push_back(band.r[i]);
+        }
+        j.view = BandView{copy.data(), copy.size()};
+        return j.view;
+    }
+
+    static constexpr Index kSmall = 8;
+
+    struct Joined {
+        const Box* source = nullptr;
+        BandView view;
+        std::vector<Box> copies[2];
+        int spare = 0;
+    };
+
+    Op op_;
+    bool writing_;
+    std::size_t limit_;
+    const Box *a_ = nullptr, *b_ = nullptr;
+    Index na_ = 0, nb_ = 0;
+    BandResult results_[2];
+    int current_ = 0;
+    bool havePrevious_ = false;
+    std::int64_t previousBottom_ = 0;
+    std::size_t previousStart_ = 0;
+    std::size_t count_ = 0;
+    Box bound_{0, 0, 0, 0};
+    BoxBuffer boxes_;
+    Joined joined_[2];
+    std::vector<Span> sa_, sb_;
+};
+
+bool extentsMeet(const Box& a, const Box& b) noexcept
+{
+    return a.x2 > b.x1 && a.x1 < b.x2 && a.y2 > b.y1 && a.y1 < b.y2;
+}
+
+bool holds(const Box& outer, const Box& inner) noexcept
+{
+    return outer.x1 <= inner.x1 && outer.x2 >= inner.x2 && outer.y1 <= inner.y1 && outer.y2 >= inner.y2;
+}
+
+// One operation on two regions in the canonical form, into out (neither a nor b). The cases that
+// pixman settles without its band algebra (an empty operand, one rectangle holding the other,
+// extents that do not meet, an operand with itself) are left to it; the others go band by band,
+// first counted when the bound from the operands' band sizes passes the limit.
+template <class Keep>
+bool bandOperation(Op op, Region& out, const Region& a, const Region& b, Keep keep)
+{
+    auto* ra = const_cast<pixman_region32_t*>(a.get());
+    auto* rb = const_cast<pixman_region32_t*>(b.get());
+    const int na = a.count(), nb = b.count();
+    const Box ea = ra->extents, eb = rb->extents;
+    switch (op) {
+    case Op::Intersect:
+        if (na == 0 || nb == 0 || !extentsMeet(ea, eb) || (na == 1 && nb == 1) || (nb == 1 && holds(eb, ea)) ||
+            (na == 1 && holds(ea, eb)) || &a == &b)
+            return pixman_region32_intersect(out.get(), ra, rb);
+        break;
+    case Op::Union:
+        if (&a == &b || na == 0 || nb == 0 || (na == 1 && holds(ea, eb)) || (nb == 1 && holds(eb, ea)))
+            return pixman_region32_union(out.get(), ra, rb);
+        break;
+    case Op::Subtract:
+        if (na == 0 || nb == 0 || !extentsMeet(ea, eb) || &a == &b)
+            return pixman_region32_subtract(out.get(), ra, rb);
+        break;
+    }
+    if (countResult(a, b, keep, kMaxRects, false) > kMaxRects) {
+        BandSweep counting(op, a, b, false, kMaxRects);
+        if (!counting.run()) return false;
+    }
+    BandSweep sweep(op, a, b, true, kMaxRects);
+    return sweep.run() && sweep.finish(out);
+}
+
+} // namespace
+
 // dest = a (mode) b. On any failure, a result over the rectangle limit among them, dest is left
 // as it was. The result is made apart and moved in, since dest may be a or b.
 bool combine(Region& dest, const Region& a, const Region& b, int mode)
@@ -177,7 +649,21 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode)
     const bool wrapped = a.wrapped || (mode != RGN_COPY && b.wrapped);
     Region result;
     bool ok = true;
-    switch (mode) {
+    if (!wrapped && mode != RGN_COPY) {
+        switch (mode) {
+        case RGN_AND: ok = bandOperation(Op::Intersect, result, a, b, keepBoth); break;
+        case RGN_OR: ok = bandOperation(Op::Union, result, a, b, keepEither); break;
+        case RGN_DIFF: ok = bandOperation(Op::Subtract, result, a, b, keepFirstOnly); break;
+        case RGN_XOR: {
+            Region ab, ba;
+            ok = bandOperation(Op::Subtract, ab, a, b, keepFirstOnly) &&
+                 bandOperation(Op::Subtract, ba, b, a, keepFirstOnly) &&
+                 bandOperation(Op::Union, result, ab, ba, keepEither);
+            break;
+        }
+        default: return false;
+        }
+    } else switch (mode) {
     case RGN_AND:
         ok = resultSize(a, b, keepBoth, kMaxRects) <= kMaxRects &&
              pixman_region32_intersect(result.get(), ra, rb);

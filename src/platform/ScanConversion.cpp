@@ -9,7 +9,9 @@
  * to where it returns, taking the crossings in the order the edges hold on that row. A pixel is
  * in when its left end lies in a span. Rows with the same spans are joined into bands. Rows where
  * nothing changes, and rows where every edge is cancelled by its twin, are passed over at once,
- * so the work follows the result and the edges, not the rows spanned.
+ * so the work follows the result and the edges, not the rows spanned. A walk of more rows than
+ * the rectangle limit is first bounded from the edges alone (provenRectangles), and not made when
+ * its rows alone would pass the limit.
  */
 #define QUILLON_BUILDING_REGION
 #include <quillon/Region>
@@ -323,6 +325,201 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     return true;
 }
 
+// ----- a lower bound on the rectangles, without the walk ----------------------------------------
+//
+// A polygon whose result would pass the rectangle limit fails, and the walk finds that out only once
+// it has written that many rectangles, one row at a time. Before a walk of more rows than the limit,
+// this bound counts rows that must each start a new band, from the edges alone, with the work of
+// one step per stretch of rows between edge ends. Past the limit the walk is not made.
+//
+// On every row of a stretch where one edge lies alone to the left of all others, at least one
+// column further on every row, that edge's x is where the row's first span starts (ALTERNATE: it is
+// the first crossing and the second lies further right; WINDING: it takes the sum away from zero,
+// and the sum comes back to zero further right, the directions of a row's edges adding up to zero).
+// The same holds for the right end of the last span and an edge alone to the right. When that
+// edge moves on every row (at least one column per row), no two neighbouring rows of the stretch
+// have the same spans, so each row but the first starts a band of at least one rectangle.
+
+using Wide = __int128;
+
+constexpr Wide floorDivWide(Wide a, Wide b) noexcept // b > 0
+{
+    const Wide q = a / b;
+    return q * b > a ? q - 1 : q;
+}
+
+// A part of an edge on which its x is exactly base + ceil((y - y1) dx / dy). The walk adds the
+// 32-bit differences dx and dy of the edge's ends and wraps x to 32 bits: on the rows where
+// x1 + ceil((y - y1) dx / dy) leaves the 32-bit range, x is that less (or plus) 2^32, so an edge
+// is one line or two.
+struct Line {
+    std::int64_t first, last; // rows
+    std::int64_t base, y1, dx, dy;
+    int direction;
+};
+
+constexpr std::int64_t kTwo32 = std::int64_t(1) << 32;
+
+std::int64_t ceilDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
+{
+    return static_cast<std::int64_t>(-floorDivWide(-Wide(a), b));
+}
+
+// x of an edge (upper end x1, y1; differences dx, dy) k rows below its upper end, before wrapping.
+std::int64_t lineX(std::int64_t x1, std::int64_t dx, std::int64_t dy, std::int64_t k) noexcept
+{
+    return x1 + ceilDiv(k * dx, dy);
+}
+
+void addLines(const POINT& upper, const POINT& lower, int direction, std::vector<Line>& out)
+{
+    const std::int64_t dy = wrap(std::int64_t(lower.y) - upper.y); // below 2^27 here
+    const std::int64_t dx = wrap(std::int64_t(lower.x) - upper.x);
+    const std::int64_t x1 = upper.x, y1 = upper.y;
+    const std::int64_t lowX = std::numeric_limits<std::int32_t>::min();
+    const std::int64_t highX = std::numeric_limits<std::int32_t>::max();
+    // The first row on which x leaves the 32-bit range, if any: x moves one way only.
+    auto outside = [&](std::int64_t k) {
+        const std::int64_t x = lineX(x1, dx, dy, k);
+        return x < lowX || x > highX;
+    };
+    std::int64_t k = dy; // none
+    if (outside(dy - 1)) {
+        std::int64_t in = 0, out = dy - 1; // in range at in, outside at out
+        while (out - in > 1) {
+            const std::int64_t mid = in + (out - in) / 2;
+            (outside(mid) ? out : in) = mid;
+        }
+        k = out;
+    }
+    out.push_back(Line{y1, y1 + k - 1, x1, y1, dx, dy, direction});
+    if (k < dy) {
+        const std::int64_t shift = lineX(x1, dx, dy, k) > highX ? -kTwo32 : kTwo32;
+        out.push_back(Line{y1 + k, y1 + dy - 1, x1 + shift, y1, dx, dy, direction});
+    }
+}
+
+std::int64_t xAt(const Line& l, std::int64_t y) noexcept { return lineX(l.base, l.dx, l.dy, y - l.y1); }
+
+// The rows of [from, to] on which e lies at least one column left of every other line (left) or
+// right of it, found from the exact lines: each other line g gives a condition linear in y,
+// (g - e - 1)(y) >= 0 or (e - g - 1)(y) >= 0, times dy_g dy_e.
+bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, std::int64_t& from,
+             std::int64_t& to) noexcept
+{
+    for (const Line* g : active) {
+        if (g == e) continue;
+        const Wide dyProduct = Wide(g->dy) * e->dy;
+        // g(y) - e(y) - 1 = (g.base - e.base - 1) + (y - g.y1) g.dx / g.dy - (y - e.y1) e.dx / e.dy
+        Wide slope = Wide(g->dx) * e->dy - Wide(e->dx) * g->dy;
+        Wide at0 = Wide(g->base - e->base - 1) * dyProduct - Wide(g->y1) * g->dx * e->dy +
+                   Wide(e->y1) * e->dx * g->dy;
+        if (!left) { // e(y) - g(y) - 1
+            slope = -slope;
+            at0 = -Wide(g->base - e->base + 1) * dyProduct + Wide(g->y1) * g->dx * e->dy -
+                  Wide(e->y1) * e->dx * g->dy;
+        }
+        // at0 + slope y >= 0
+        if (slope == 0) {
+            if (at0 < 0) return false;
+        } else if (slope > 0) {
+            const Wide lowest = -floorDivWide(at0, slope); // ceil(-at0 / slope)
+            if (lowest > to) return false;
+            if (lowest > from) from = static_cast<std::int64_t>(lowest);
+        } else {
+            const Wide highest = floorDivWide(at0, -slope);
+            if (highest < from) return false;
+            if (highest < to) to = static_cast<std::int64_t>(highest);
+        }
+    }
+    return from < to;
+}
+
+// Rows of [from, to] (a stretch in which the same lines are active) that must each start a band.
+std::int64_t bandsInStretch(const std::vector<const Line*>& active, bool winding, std::int64_t from,
+                            std::int64_t to)
+{
+    if (to <= from || active.size() < 2) return 0;
+    int sum = 0;
+    for (const Line* l : active) sum += l->direction;
+    if (winding ? sum != 0 : active.size() % 2 != 0) return 0;
+    // Candidates: the lines furthest left and right on the stretch's first and last rows.
+    struct Found {
+        std::int64_t from, to;
+    };
+    std::vector<Found> found;
+    for (const bool left : {true, false}) {
+        const Line* tried = nullptr;
+        for (const std::int64_t y : {from, to}) {
+            const Line* best = nullptr;
+            std::int64_t bestX = 0;
+            for (const Line* l : active) {
+                const std::int64_t x = xAt(*l, y);
+                if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
+            }
+            if (best == tried) continue;
+            tried = best;
+            // It must move at least one column on every row.
+            if ((best->dx < 0 ? -best->dx : best->dx) < best->dy) continue;
+            std::int64_t a = from, b = to;
+            if (aloneOn(active, best, left, a, b)) found.push_back(Found{a, b});
+        }
+    }
+    // Row y starts a new band when y - 1 and y lie in one found stretch.
+    std::sort(found.begin(), found.end(),
+              [](const Found& p, const Found& q) { return p.from < q.from; });
+    std::int64_t rows = 0, reached = std::numeric_limits<std::int64_t>::min();
+    for (const Found& f : found) {
+        const std::int64_t start = std::max(f.from + 1, reached + 1);
+        if (f.to >= start) rows += f.to - start + 1;
+        reached = std::max(reached, f.to);
+    }
+    return rows;
+}
+
+// A lower bound on the rectangles scanConvert makes of the polygons (all of two or more points,
+// their heights and sum known not to wrap). Stops counting once past the limit.
+std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygons, bool winding)
+{
+    std::vector<Line> lines;
+    const POINT* p = points;
+    for (int i = 0; i < polygons; ++i) {
+        const int n = counts[i];
+        if (n >= 2) {
+            const POINT* prev = &p[n - 1];
+            for (int k = 0; k < n; ++k) {
+                const POINT* cur = &p[k];
+                if (prev->y < cur->y)
+                    addLines(*prev, *cur, +1, lines);
+                else if (prev->y > cur->y)
+                    addLines(*cur, *prev, -1, lines);
+                prev = cur;
+            }
+        }
+        p += n;
+    }
+    std::sort(lines.begin(), lines.end(),
+              [](const Line& a, const Line& b) { return a.first < b.first; });
+    std::vector<const Line*> active;
+    std::int64_t total = 0;
+    std::size_t next = 0;
+    std::int64_t y = 0;
+    while (next < lines.size() || !active.empty()) {
+        if (active.empty()) y = lines[next].first;
+        while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
+        std::int64_t to =
+            next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
+        for (const Line* l : active) to = std::min(to, l->last);
+        total += bandsInStretch(active, winding, y, to);
+        if (total > std::int64_t(kMaxRects)) return total;
+        active.erase(std::remove_if(active.begin(), active.end(),
+                                    [to](const Line* l) { return l->last == to; }),
+                     active.end());
+        y = to + 1;
+    }
+    return total;
+}
+
 } // namespace
 
 bool isRectangle(const POINT* p, int n) noexcept
@@ -347,7 +544,8 @@ namespace {
 // taken whole, or edges in scratch to scan.
 enum class Outline { failed, empty, rectangle, edges };
 
-Outline outline(const POINT* points, const INT* counts, int polygons, ScanScratch& scratch, Box& rectangle)
+Outline outline(const POINT* points, const INT* counts, int polygons, bool winding, ScanScratch& scratch,
+                Box& rectangle)
 {
     if (polygons <= 0) return Outline::empty;
     if (!counts) return Outline::failed;
@@ -378,6 +576,9 @@ Outline outline(const POINT* points, const INT* counts, int polygons, ScanScratc
     }
     if (!wrapped && wrap(rows) >= kMaxPolygonRows) return Outline::failed;
     if (wrapped || rows >= kMaxPolygonRows) return Outline::empty;
+    // A walk of more rows than the limit first asks the bound whether it could succeed.
+    if (rows > std::int64_t(kMaxRects) && provenRectangles(points, counts, polygons, winding) > std::int64_t(kMaxRects))
+        return Outline::failed;
     std::vector<Edge>& edges = scratch.edges;
     edges.clear();
     edges.reserve(static_cast<std::size_t>(total));
@@ -409,7 +610,7 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
 {
     ScanScratch scratch;
     Box rectangle;
-    switch (outline(points, counts, polygons, scratch, rectangle)) {
+    switch (outline(points, counts, polygons, mode == WINDING, scratch, rectangle)) {
     case Outline::failed: return false;
     case Outline::empty: out.clear(); return true;
     case Outline::rectangle: setRect(out, rectangle); return true;
@@ -423,7 +624,7 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
 bool appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes)
 {
     Box rectangle;
-    switch (outline(points, &n, 1, scratch, rectangle)) {
+    switch (outline(points, &n, 1, mode == WINDING, scratch, rectangle)) {
     case Outline::failed: return false;
     case Outline::empty: return true;
     case Outline::rectangle: boxes.push_back(rectangle); return true;

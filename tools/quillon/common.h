@@ -246,6 +246,21 @@ std::string jsonMatrix(const Transform<T>& t, bool exact)
     return out + "]";
 }
 
+// ---- Points ----
+
+// X,Y,Z, the fields read from left to right, so that an error names the first bad one.
+template <class B>
+ThreeDVector<B> parsePoint(std::string_view text)
+{
+    const auto f = split(text, ',');
+    if (f.size() != 3)
+        throw BadInput("expected three numbers X,Y,Z, got " + std::to_string(f.size()));
+    const B x = Scalar<B>::parse(f[0]);
+    const B y = Scalar<B>::parse(f[1]);
+    const B z = Scalar<B>::parse(f[2]);
+    return ThreeDVector<B>(x, y, z);
+}
+
 // ---- Commands ----
 
 // Each adds its subcommand. map streams: it reads and writes one point at a time. The others read

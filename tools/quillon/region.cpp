@@ -70,13 +70,6 @@ std::vector<Rect> rectanglesOf(HRGN region)
     return out;
 }
 
-Rect parseRect(std::string_view text)
-{
-    const auto f = split(text, ',');
-    if (f.size() != 4) throw BadInput("expected four integers L,T,R,B, got " + std::to_string(f.size()));
-    return {parseInt(f[0]), parseInt(f[1]), parseInt(f[2]), parseInt(f[3])};
-}
-
 std::string jsonRects(const std::vector<Rect>& rects)
 {
     return jsonArray(rects, [](const Rect& r) { return jsonArray(r, [](int v) { return std::to_string(v); }); });

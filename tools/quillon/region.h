@@ -38,7 +38,12 @@ private:
 // The region's rectangles in the platform's banded order; none for a null handle.
 std::vector<Rect> rectanglesOf(HRGN region);
 // "L,T,R,B" as four integers.
-Rect parseRect(std::string_view text);
+inline Rect parseRect(std::string_view text)
+{
+    const auto f = split(text, ',');
+    if (f.size() != 4) throw BadInput("expected four integers L,T,R,B, got " + std::to_string(f.size()));
+    return {parseInt(f[0]), parseInt(f[1]), parseInt(f[2]), parseInt(f[3])};
+}
 
 // One region before and after a transform, and what its picture shows.
 struct RegionPicture {
