@@ -214,8 +214,8 @@ TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
 
 // Polygons whose rows would each start a band of their own, over more rows than the rectangle
 // limit: the result would pass the limit, and the call fails as an allocation failure would. An
-// edge that moves a column or more on every row and lies alone at the left or right end of its
-// rows shows this from the edges alone; a steeper one does not, and its polygon is made.
+// edge alone at the left or right end of its rows shows this from the edges alone: its x moves on
+// every row when it leans a column a row or more, and once per column crossed when steeper.
 TEST(RegionHostile, PolygonsPastTheLimitFromTheirEdges)
 {
     const LONG H = (1 << 27) - 2;
@@ -231,8 +231,14 @@ TEST(RegionHostile, PolygonsPastTheLimitFromTheirEdges)
         // Crossed: two triangles meeting at a point, both edges leaning.
         const POINT crossed[4] = {{0, 0}, {1 << 30, 0}, {0, H}, {1 << 30, H}};
         EXPECT_EQ(CreatePolygonRgn(crossed, 4, mode), nullptr) << "mode " << mode;
+        // A sliver 632 columns wide along a diagonal, its long edges a hair steeper than one
+        // column a row: their x moves on all but one row in 14,000 of 36 million.
+        const POINT sliver[4] = {
+            {816440962, 814208046}, {825487500, 823254584}, {852626514, 850395495}, {843579976, 841348956}};
+        EXPECT_EQ(CreatePolygonRgn(sliver, 4, mode), nullptr) << "mode " << mode;
     }
-    // 2^26 rows whose right edge moves one column every 64 rows: 2^20 + 1 bands, under the limit.
+    // 2^26 rows whose right edge moves one column every 64 rows: 2^20 + 1 bands, under the limit,
+    // and the polygon is made.
     const LONG W = 1 << 20, R = 1 << 26;
     const POINT steep[4] = {{0, 0}, {W, 0}, {2 * W, R}, {0, R}};
     std::vector<Rect> want = {{0, 0, W, 1}};

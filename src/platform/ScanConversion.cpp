@@ -336,9 +336,10 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
 // column further on every row, that edge's x is where the row's first span starts (ALTERNATE: it is
 // the first crossing and the second lies further right; WINDING: it takes the sum away from zero,
 // and the sum comes back to zero further right, the directions of a row's edges adding up to zero).
-// The same holds for the right end of the last span and an edge alone to the right. When that
-// edge moves on every row (at least one column per row), no two neighbouring rows of the stretch
-// have the same spans, so each row but the first starts a band of at least one rectangle.
+// The same holds for the right end of the last span and an edge alone to the right. Each row on
+// which that edge's x differs from the row above has other spans than that row, so it starts a
+// band of at least one rectangle: every row for an edge that moves a column a row or more, one
+// row per column crossed for a steeper one.
 
 using Wide = __int128;
 
@@ -435,21 +436,57 @@ bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, s
     return from < to;
 }
 
-// Rows of [from, to] (a stretch in which the same lines are active) that must each start a band.
+// The rows after a (up to b) on which a line's x moves, one at a time, for a line that moves less
+// than a column a row: x then moves by one column at a time, on the first row past each column.
+class Moves {
+public:
+    Moves(const Line& l, std::int64_t a, std::int64_t b) : l_(&l), end_(b)
+    {
+        c_ = ceilDiv((a - l.y1) * l.dx, l.dy);
+        advance();
+    }
+    bool done() const noexcept { return row_ > end_; }
+    std::int64_t row() const noexcept { return row_; }
+    void advance() noexcept
+    {
+        // |c| stays within the 32-bit differences and dy below 2^27: the products fit 64 bits.
+        std::int64_t k;
+        if (l_->dx > 0) { // the first row on which ceil(k dx / dy) passes c
+            k = floorDiv(c_ * l_->dy, l_->dx) + 1;
+            ++c_;
+        } else { // the first row on which it falls below c
+            k = -floorDiv(-(1 - c_) * l_->dy, -l_->dx);
+            --c_;
+        }
+        row_ = l_->y1 + k;
+    }
+
+private:
+    const Line* l_;
+    std::int64_t end_, c_ = 0, row_ = 0;
+};
+
+// How many rows of [from, to] (a stretch in which the same lines are active) must each start a
+// band, counted up to more than budget.
 std::int64_t bandsInStretch(const std::vector<const Line*>& active, bool winding, std::int64_t from,
-                            std::int64_t to)
+                            std::int64_t to, std::int64_t budget)
 {
     if (to <= from || active.size() < 2) return 0;
     int sum = 0;
     for (const Line* l : active) sum += l->direction;
     if (winding ? sum != 0 : active.size() % 2 != 0) return 0;
-    // Candidates: the lines furthest left and right on the stretch's first and last rows.
-    struct Found {
-        std::int64_t from, to;
+    // Candidates: the lines furthest left and right on the stretch's first and last rows, each
+    // with the rows (a, b] on which it lies alone on its side. A line that moves a column a row or
+    // more moves on all of them; a steeper one on the rows where it passes a column.
+    struct Range {
+        std::int64_t a, b;
     };
-    std::vector<Found> found;
+    std::vector<Range> whole, shallow;
+    std::vector<const Line*> shallowLines;
+    std::int64_t most = 0; // the larger side's rows, counted at once: the lines of one side hold different rows
     for (const bool left : {true, false}) {
         const Line* tried = nullptr;
+        std::int64_t side = 0;
         for (const std::int64_t y : {from, to}) {
             const Line* best = nullptr;
             std::int64_t bestX = 0;
@@ -457,22 +494,57 @@ std::int64_t bandsInStretch(const std::vector<const Line*>& active, bool winding
                 const std::int64_t x = xAt(*l, y);
                 if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
             }
-            if (best == tried) continue;
+            if (best == tried || best->dx == 0) continue;
             tried = best;
-            // It must move at least one column on every row.
-            if ((best->dx < 0 ? -best->dx : best->dx) < best->dy) continue;
             std::int64_t a = from, b = to;
-            if (aloneOn(active, best, left, a, b)) found.push_back(Found{a, b});
+            if (!aloneOn(active, best, left, a, b)) continue;
+            if ((best->dx < 0 ? -best->dx : best->dx) >= best->dy) {
+                whole.push_back(Range{a, b});
+                side += b - a;
+            } else {
+                shallow.push_back(Range{a, b});
+                shallowLines.push_back(best);
+                const std::int64_t moved = xAt(*best, b) - xAt(*best, a);
+                side += moved < 0 ? -moved : moved;
+            }
         }
+        most = std::max(most, side);
     }
-    // Row y starts a new band when y - 1 and y lie in one found stretch.
-    std::sort(found.begin(), found.end(),
-              [](const Found& p, const Found& q) { return p.from < q.from; });
-    std::int64_t rows = 0, reached = std::numeric_limits<std::int64_t>::min();
-    for (const Found& f : found) {
-        const std::int64_t start = std::max(f.from + 1, reached + 1);
-        if (f.to >= start) rows += f.to - start + 1;
-        reached = std::max(reached, f.to);
+    if (most > budget) return most;
+    // Rows in (a, b] of any whole range, and then the rows outside them where some steeper line
+    // moves, each row once.
+    std::sort(whole.begin(), whole.end(), [](const Range& p, const Range& q) { return p.a < q.a; });
+    std::vector<Range> covered; // the whole ranges joined, as rows (a, b]
+    for (const Range& r : whole) {
+        if (!covered.empty() && r.a <= covered.back().b)
+            covered.back().b = std::max(covered.back().b, r.b);
+        else
+            covered.push_back(r);
+    }
+    std::int64_t rows = 0;
+    for (const Range& r : covered) rows += r.b - r.a;
+    if (rows > budget) return rows;
+    std::vector<Moves> moves;
+    for (std::size_t i = 0; i < shallow.size(); ++i) {
+        std::int64_t at = shallow[i].a; // the rows (at, ...] not yet looked at
+        for (const Range& r : covered) {
+            if (r.b <= at) continue;
+            if (r.a >= shallow[i].b) break;
+            if (r.a > at) moves.emplace_back(*shallowLines[i], at, r.a);
+            at = r.b;
+        }
+        if (at < shallow[i].b) moves.emplace_back(*shallowLines[i], at, shallow[i].b);
+    }
+    std::int64_t last = std::numeric_limits<std::int64_t>::min();
+    while (rows <= budget) {
+        Moves* next = nullptr;
+        for (Moves& m : moves)
+            if (!m.done() && (!next || m.row() < next->row())) next = &m;
+        if (!next) break;
+        const std::int64_t y = next->row();
+        next->advance();
+        if (y != last) ++rows;
+        last = y;
     }
     return rows;
 }
@@ -510,7 +582,7 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
         std::int64_t to =
             next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
         for (const Line* l : active) to = std::min(to, l->last);
-        total += bandsInStretch(active, winding, y, to);
+        total += bandsInStretch(active, winding, y, to, std::int64_t(kMaxRects) - total);
         if (total > std::int64_t(kMaxRects)) return total;
         active.erase(std::remove_if(active.begin(), active.end(),
                                     [to](const Line* l) { return l->last == to; }),
