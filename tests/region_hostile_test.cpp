@@ -236,6 +236,18 @@ TEST(RegionHostile, PolygonsPastTheLimitFromTheirEdges)
         const POINT sliver[4] = {
             {816440962, 814208046}, {825487500, 823254584}, {852626514, 850395495}, {843579976, 841348956}};
         EXPECT_EQ(CreatePolygonRgn(sliver, 4, mode), nullptr) << "mode " << mode;
+        // A sliver of 18 million rows, bent in the middle: each half alone is under the limit.
+        const POINT bent[4] = {
+            {305320636, 329705055}, {314367174, 338751609}, {323413711, 347798147}, {314367173, 338751593}};
+        EXPECT_EQ(CreatePolygonRgn(bent, 4, mode), nullptr) << "mode " << mode;
+        // Two edges each moving on every other row, one on the rows the other keeps: every one of
+        // 18 million rows starts a band, though each edge alone moves on 9 million. Leaning
+        // right and leaning left.
+        const LONG N = 9000000;
+        for (const LONG s : {1, -1}) {
+            const POINT alternating[4] = {{0, 0}, {s * 10, 1}, {s * (N + 10), 2 * N + 1}, {s * N, 2 * N}};
+            EXPECT_EQ(CreatePolygonRgn(alternating, 4, mode), nullptr) << "mode " << mode << " lean " << s;
+        }
     }
     // 2^26 rows whose right edge moves one column every 64 rows: 2^20 + 1 bands, under the limit,
     // and the polygon is made.

@@ -438,119 +438,153 @@ bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, s
 
 // The rows after a (up to b) on which a line's x moves, one at a time, for a line that moves less
 // than a column a row: x then moves by one column at a time, on the first row past each column.
+// Those rows are floor(num / |dx|) steps from the line's first row, num moving by dy a column;
+// the quotient is carried with its remainder, so a step costs no division.
 class Moves {
 public:
-    Moves(const Line& l, std::int64_t a, std::int64_t b) : l_(&l), end_(b)
+    Moves(const Line& l, std::int64_t a, std::int64_t b) : end_(b), divisor_(l.dx < 0 ? -l.dx : l.dx)
     {
-        c_ = ceilDiv((a - l.y1) * l.dx, l.dy);
-        advance();
+        // |c| stays within the 32-bit differences and dy below 2^27: the products fit 64 bits.
+        const std::int64_t c = ceilDiv((a - l.y1) * l.dx, l.dy); // the column x reaches on row a
+        // Rightward, column c is passed on row y1 + floor(c dy / dx) + 1; leftward, column c - 1
+        // is reached on row y1 - floor((c - 1) dy / |dx|).
+        const std::int64_t num = l.dx > 0 ? c * l.dy : (c - 1) * l.dy;
+        const std::int64_t step = l.dx > 0 ? l.dy : -l.dy;
+        quotient_ = floorDiv(num, divisor_);
+        remainder_ = num - quotient_ * divisor_;
+        stepQuotient_ = floorDiv(step, divisor_);
+        stepRemainder_ = step - stepQuotient_ * divisor_;
+        sign_ = l.dx > 0 ? 1 : -1;
+        offset_ = l.dx > 0 ? l.y1 + 1 : l.y1;
+        row_ = offset_ + sign_ * quotient_;
     }
     bool done() const noexcept { return row_ > end_; }
     std::int64_t row() const noexcept { return row_; }
     void advance() noexcept
     {
-        // |c| stays within the 32-bit differences and dy below 2^27: the products fit 64 bits.
-        std::int64_t k;
-        if (l_->dx > 0) { // the first row on which ceil(k dx / dy) passes c
-            k = floorDiv(c_ * l_->dy, l_->dx) + 1;
-            ++c_;
-        } else { // the first row on which it falls below c
-            k = -floorDiv(-(1 - c_) * l_->dy, -l_->dx);
-            --c_;
-        }
-        row_ = l_->y1 + k;
+        quotient_ += stepQuotient_;
+        remainder_ += stepRemainder_;
+        if (remainder_ >= divisor_) remainder_ -= divisor_, ++quotient_;
+        row_ = offset_ + sign_ * quotient_;
     }
 
 private:
-    const Line* l_;
-    std::int64_t end_, c_ = 0, row_ = 0;
+    std::int64_t end_, divisor_;
+    std::int64_t quotient_ = 0, remainder_ = 0, stepQuotient_ = 0, stepRemainder_ = 0;
+    std::int64_t sign_ = 1, offset_ = 0, row_ = 0;
 };
 
-// How many rows of [from, to] (a stretch in which the same lines are active) must each start a
-// band, counted up to more than budget.
-std::int64_t bandsInStretch(const std::vector<const Line*>& active, bool winding, std::int64_t from,
-                            std::int64_t to, std::int64_t budget)
-{
-    if (to <= from || active.size() < 2) return 0;
-    int sum = 0;
-    for (const Line* l : active) sum += l->direction;
-    if (winding ? sum != 0 : active.size() % 2 != 0) return 0;
-    // Candidates: the lines furthest left and right on the stretch's first and last rows, each
-    // with the rows (a, b] on which it lies alone on its side. A line that moves a column a row or
-    // more moves on all of them; a steeper one on the rows where it passes a column.
+// The rows of [from, to] (a stretch in which the same lines are active) that must each start a
+// band. The candidates are the lines furthest left and right on the stretch's first and last rows,
+// each with the rows (a, b] on which it lies alone on its side. A line that moves a column a row or
+// more moves on all of them; a steeper one on the rows where it passes a column. atOnce() is the
+// larger side's count, or the rows of the first kind, found with no walk; counted() joins both
+// kinds, each row once, walking the rows where steeper lines move.
+class StretchRows {
+public:
+    StretchRows(const std::vector<const Line*>& active, bool winding, std::int64_t from, std::int64_t to)
+    {
+        if (to <= from || active.size() < 2) return;
+        int sum = 0;
+        for (const Line* l : active) sum += l->direction;
+        if (winding ? sum != 0 : active.size() % 2 != 0) return;
+        std::int64_t most = 0; // the lines of one side hold different rows, so each side's sum is a bound
+        for (const bool left : {true, false}) {
+            const Line* tried = nullptr;
+            std::int64_t side = 0;
+            for (const std::int64_t y : {from, to}) {
+                const Line* best = nullptr;
+                std::int64_t bestX = 0;
+                for (const Line* l : active) {
+                    const std::int64_t x = xAt(*l, y);
+                    if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
+                }
+                if (best == tried || best->dx == 0) continue;
+                tried = best;
+                std::int64_t a = from, b = to;
+                if (!aloneOn(active, best, left, a, b)) continue;
+                if ((best->dx < 0 ? -best->dx : best->dx) >= best->dy) {
+                    covered_[coveredCount_++] = Range{a, b};
+                    side += b - a;
+                } else {
+                    steep_[steepCount_++] = Steep{best, a, b};
+                    const std::int64_t moved = xAt(*best, b) - xAt(*best, a);
+                    side += moved < 0 ? -moved : moved;
+                }
+            }
+            most = std::max(most, side);
+        }
+        // The ranges of lines that move every row, joined, as rows (a, b].
+        std::sort(covered_, covered_ + coveredCount_, [](const Range& p, const Range& q) { return p.a < q.a; });
+        std::size_t joined = 0;
+        for (std::size_t i = 0; i < coveredCount_; ++i) {
+            const Range r = covered_[i];
+            if (joined > 0 && r.a <= covered_[joined - 1].b)
+                covered_[joined - 1].b = std::max(covered_[joined - 1].b, r.b);
+            else
+                covered_[joined++] = r;
+        }
+        coveredCount_ = joined;
+        for (std::size_t i = 0; i < coveredCount_; ++i) coveredRows_ += covered_[i].b - covered_[i].a;
+        atOnce_ = std::max(most, coveredRows_);
+    }
+
+    std::int64_t atOnce() const noexcept { return atOnce_; }
+
+    // The rows that start a band, counted up to more than budget (and never fewer than atOnce).
+    std::int64_t counted(std::int64_t budget) const
+    {
+        if (atOnce_ > budget || steepCount_ == 0) return atOnce_;
+        // The rows outside the covered ranges where some steeper line moves, each row once.
+        std::vector<Moves> moves;
+        for (std::size_t i = 0; i < steepCount_; ++i) {
+            const Steep& s = steep_[i];
+            std::int64_t at = s.a; // the rows (at, ...] not yet looked at
+            for (std::size_t j = 0; j < coveredCount_; ++j) {
+                const Range& r = covered_[j];
+                if (r.b <= at) continue;
+                if (r.a >= s.b) break;
+                if (r.a > at) moves.emplace_back(*s.line, at, r.a);
+                at = r.b;
+            }
+            if (at < s.b) moves.emplace_back(*s.line, at, s.b);
+        }
+        std::int64_t rows = coveredRows_;
+        std::int64_t last = std::numeric_limits<std::int64_t>::min();
+        while (rows <= budget) {
+            Moves* next = nullptr;
+            for (Moves& m : moves)
+                if (!m.done() && (!next || m.row() < next->row())) next = &m;
+            if (!next) break;
+            const std::int64_t y = next->row();
+            next->advance();
+            if (y != last) ++rows;
+            last = y;
+        }
+        return std::max(rows, atOnce_);
+    }
+
+private:
     struct Range {
         std::int64_t a, b;
     };
-    std::vector<Range> whole, shallow;
-    std::vector<const Line*> shallowLines;
-    std::int64_t most = 0; // the larger side's rows, counted at once: the lines of one side hold different rows
-    for (const bool left : {true, false}) {
-        const Line* tried = nullptr;
-        std::int64_t side = 0;
-        for (const std::int64_t y : {from, to}) {
-            const Line* best = nullptr;
-            std::int64_t bestX = 0;
-            for (const Line* l : active) {
-                const std::int64_t x = xAt(*l, y);
-                if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
-            }
-            if (best == tried || best->dx == 0) continue;
-            tried = best;
-            std::int64_t a = from, b = to;
-            if (!aloneOn(active, best, left, a, b)) continue;
-            if ((best->dx < 0 ? -best->dx : best->dx) >= best->dy) {
-                whole.push_back(Range{a, b});
-                side += b - a;
-            } else {
-                shallow.push_back(Range{a, b});
-                shallowLines.push_back(best);
-                const std::int64_t moved = xAt(*best, b) - xAt(*best, a);
-                side += moved < 0 ? -moved : moved;
-            }
-        }
-        most = std::max(most, side);
-    }
-    if (most > budget) return most;
-    // Rows in (a, b] of any whole range, and then the rows outside them where some steeper line
-    // moves, each row once.
-    std::sort(whole.begin(), whole.end(), [](const Range& p, const Range& q) { return p.a < q.a; });
-    std::vector<Range> covered; // the whole ranges joined, as rows (a, b]
-    for (const Range& r : whole) {
-        if (!covered.empty() && r.a <= covered.back().b)
-            covered.back().b = std::max(covered.back().b, r.b);
-        else
-            covered.push_back(r);
-    }
-    std::int64_t rows = 0;
-    for (const Range& r : covered) rows += r.b - r.a;
-    if (rows > budget) return rows;
-    std::vector<Moves> moves;
-    for (std::size_t i = 0; i < shallow.size(); ++i) {
-        std::int64_t at = shallow[i].a; // the rows (at, ...] not yet looked at
-        for (const Range& r : covered) {
-            if (r.b <= at) continue;
-            if (r.a >= shallow[i].b) break;
-            if (r.a > at) moves.emplace_back(*shallowLines[i], at, r.a);
-            at = r.b;
-        }
-        if (at < shallow[i].b) moves.emplace_back(*shallowLines[i], at, shallow[i].b);
-    }
-    std::int64_t last = std::numeric_limits<std::int64_t>::min();
-    while (rows <= budget) {
-        Moves* next = nullptr;
-        for (Moves& m : moves)
-            if (!m.done() && (!next || m.row() < next->row())) next = &m;
-        if (!next) break;
-        const std::int64_t y = next->row();
-        next->advance();
-        if (y != last) ++rows;
-        last = y;
-    }
-    return rows;
-}
+    struct Steep {
+        const Line* line;
+        std::int64_t a, b;
+    };
+    // At most two candidates a side.
+    Range covered_[4];
+    Steep steep_[4];
+    std::size_t coveredCount_ = 0, steepCount_ = 0;
+    std::int64_t coveredRows_ = 0, atOnce_ = 0;
+};
 
 // A lower bound on the rectangles scanConvert makes of the polygons (all of two or more points,
-// their heights and sum known not to wrap). Stops counting once past the limit.
+// their heights and sum known not to wrap). Stops counting once past the limit. The stretches'
+// bounds found at once come first, over the whole polygon; only when their sum stays within the
+// limit are rows walked, each stretch's walk stopping once the counts so far and the other
+// stretches' quick bounds pass the limit, so that the walks together take at most about the limit's
+// rows.
 std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygons, bool winding)
 {
     std::vector<Line> lines;
@@ -570,25 +604,38 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
         }
         p += n;
     }
-    std::sort(lines.begin(), lines.end(),
-              [](const Line& a, const Line& b) { return a.first < b.first; });
+    std::sort(lines.begin(), lines.end(), [](const Line& a, const Line& b) { return a.first < b.first; });
+    // Calls visit(stretch) for every stretch of rows in which the same lines are active, top to
+    // bottom, until it returns false.
     std::vector<const Line*> active;
+    const auto eachStretch = [&](auto&& visit) {
+        active.clear();
+        std::size_t next = 0;
+        std::int64_t y = 0;
+        while (next < lines.size() || !active.empty()) {
+            if (active.empty()) y = lines[next].first;
+            while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
+            std::int64_t to = next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
+            for (const Line* l : active) to = std::min(to, l->last);
+            if (!visit(StretchRows(active, winding, y, to))) return;
+            active.erase(std::remove_if(active.begin(), active.end(), [to](const Line* l) { return l->last == to; }),
+                         active.end());
+            y = to + 1;
+        }
+    };
+    const std::int64_t limit = std::int64_t(kMaxRects);
     std::int64_t total = 0;
-    std::size_t next = 0;
-    std::int64_t y = 0;
-    while (next < lines.size() || !active.empty()) {
-        if (active.empty()) y = lines[next].first;
-        while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
-        std::int64_t to =
-            next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
-        for (const Line* l : active) to = std::min(to, l->last);
-        total += bandsInStretch(active, winding, y, to, std::int64_t(kMaxRects) - total);
-        if (total > std::int64_t(kMaxRects)) return total;
-        active.erase(std::remove_if(active.begin(), active.end(),
-                                    [to](const Line* l) { return l->last == to; }),
-                     active.end());
-        y = to + 1;
-    }
+    eachStretch([&](const StretchRows& s) {
+        total += s.atOnce();
+        return total <= limit;
+    });
+    if (total > limit) return total;
+    // Each stretch's quick bound replaced by its count as it is walked.
+    eachStretch([&](const StretchRows& s) {
+        total -= s.atOnce();
+        total += s.counted(limit - total);
+        return total <= limit;
+    });
     return total;
 }
 
