@@ -13,10 +13,12 @@ namespace {
 // Whether the mapping's result stays small enough to make within an input's second, or is so
 // large that it must fail at once. Each rectangle's image is a four-sided piece whose rows change
 // only where an edge moves: no more rows than the sum over its edges of the smaller of their
-// width and height. A piece with up to 2^18 such rows makes a small region; one with more than
-// 2^25 would pass the rectangle limit, and the mapping must notice that without making it. In
-// between lies a result of millions of rectangles, slow only for its size: such matrices are left
-// out. Pieces of 2^27 rows or more, or whose heights wrap, fail or come out empty before any walk.
+// width and height. A piece with up to 2^18 such rows makes a small region. One with more than
+// 2^25, at least two columns wide on average, would pass the rectangle limit, and the mapping must
+// notice that without making it. In between lies a result of millions of rectangles, slow only for
+// its size; and a thinner piece may hold a pixel on any share of its rows, up to millions of them.
+// Such matrices are left out. Pieces of 2^27 rows or more, or whose heights wrap, fail or come out
+// empty before any walk.
 template <class T>
 bool sizeable(const Transform<T>& t, HRGN region)
 {
@@ -40,12 +42,18 @@ bool sizeable(const Transform<T>& t, HRGN region)
         const std::int64_t height = std::int64_t(high) - low;
         if (height >= (std::int64_t(1) << 27)) continue;
         std::int64_t moving = 0;
+        __int128 twiceArea = 0;
         for (int k = 0; k < 4; ++k) {
-            const std::int64_t dx = wrap(std::int64_t(c[(k + 1) % 4].x) - c[k].x);
-            const std::int64_t dy = std::int64_t(c[(k + 1) % 4].y) - c[k].y;
+            const POINT& p = c[k];
+            const POINT& q = c[(k + 1) % 4];
+            const std::int64_t dx = wrap(std::int64_t(q.x) - p.x);
+            const std::int64_t dy = std::int64_t(q.y) - p.y;
             moving += std::min(dx < 0 ? -dx : dx, dy < 0 ? -dy : dy);
+            twiceArea += __int128(p.x) * q.y - __int128(q.x) * p.y;
         }
-        if (moving > (std::int64_t(1) << 18) && moving <= (std::int64_t(1) << 25)) return false;
+        if (twiceArea < 0) twiceArea = -twiceArea;
+        const bool wide = twiceArea >= 4 * __int128(height);
+        if (moving > (std::int64_t(1) << 18) && (moving <= (std::int64_t(1) << 25) || !wide)) return false;
     }
     return true;
 }

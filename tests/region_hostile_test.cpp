@@ -19,6 +19,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <memory>
 #include <set>
 #include <vector>
@@ -210,6 +211,128 @@ TEST(RegionHostile, PolygonHeightsAsThePlatformMeasuresThem)
     ASSERT_NE(rect, nullptr);
     EXPECT_EQ(rectsOf(rect), (std::vector<Rect>{{0, INT_MIN, 10, 0}}));
     DeleteObject(rect);
+}
+
+// The rows of polygons scanned one at a time, as the walk's rule states them: an edge from its
+// upper end (x1, y1) covers rows y1 to y2 - 1 at x = x1 + ceil((y - y1) dx / dy); a row's spans
+// come from its crossings in x order (ALTERNATE: first to second, third to fourth, joined where
+// they touch; WINDING: from where the sum of directions leaves zero to where it returns); rows with
+// the same spans make one band.
+std::vector<Rect> rowByRow(const std::vector<POINT>& p, const std::vector<int>& counts, bool winding)
+{
+    struct Crossing {
+        std::int64_t y1, y2, x1, dx, dy;
+        int direction;
+    };
+    std::vector<Crossing> edges;
+    std::int64_t top = INT64_MAX, bottom = INT64_MIN;
+    std::size_t first = 0;
+    for (const int n : counts) {
+        for (int k = 0; k < n; ++k) {
+            const POINT a = p[first + (k + n - 1) % n], b = p[first + k];
+            if (a.y == b.y) continue;
+            const POINT& up = a.y < b.y ? a : b;
+            const POINT& down = a.y < b.y ? b : a;
+            edges.push_back({up.y, down.y, up.x, std::int64_t(down.x) - up.x, std::int64_t(down.y) - up.y, a.y < b.y ? 1 : -1});
+            top = std::min<std::int64_t>(top, up.y), bottom = std::max<std::int64_t>(bottom, down.y);
+        }
+        first += static_cast<std::size_t>(n);
+    }
+    std::vector<Rect> out;
+    std::vector<std::pair<LONG, LONG>> last;
+    std::size_t bandStart = 0;
+    for (std::int64_t y = top; y < bottom; ++y) {
+        std::vector<std::pair<std::int64_t, int>> xs;
+        for (const Crossing& e : edges) {
+            if (y < e.y1 || y >= e.y2) continue;
+            const std::int64_t n = (y - e.y1) * e.dx; // ceil(n / dy), dy > 0
+            xs.push_back({e.x1 + (n >= 0 ? (n + e.dy - 1) / e.dy : -((-n) / e.dy)), e.direction});
+        }
+        std::sort(xs.begin(), xs.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+        std::vector<std::pair<LONG, LONG>> spans;
+        if (!winding) {
+            for (std::size_t i = 0; i + 1 < xs.size(); i += 2) {
+                const LONG a = LONG(xs[i].first), b = LONG(xs[i + 1].first);
+                if (a >= b) continue;
+                if (!spans.empty() && spans.back().second >= a)
+                    spans.back().second = std::max(spans.back().second, b);
+                else
+                    spans.push_back({a, b});
+            }
+        } else {
+            int sum = 0;
+            LONG start = 0;
+            for (const auto& [x, direction] : xs) {
+                const int before = sum;
+                sum += direction;
+                if (before == 0 && sum != 0) start = LONG(x);
+                else if (before != 0 && sum == 0 && start < x) spans.push_back({start, LONG(x)});
+            }
+        }
+        if (!spans.empty() && spans == last && !out.empty() && out.back().b == LONG(y)) {
+            for (std::size_t i = bandStart; i < out.size(); ++i) out[i].b = LONG(y + 1);
+        } else if (!spans.empty()) {
+            bandStart = out.size();
+            for (const auto& [a, b] : spans) out.push_back({a, LONG(y), b, LONG(y + 1)});
+        }
+        last = spans;
+    }
+    return out;
+}
+
+// Each row's pixels as spans, touching ones joined.
+std::map<LONG, std::vector<std::pair<LONG, LONG>>> pixelRows(const std::vector<Rect>& rects)
+{
+    std::map<LONG, std::vector<std::pair<LONG, LONG>>> rows;
+    for (const Rect& r : rects)
+        for (LONG y = r.t; y < r.b; ++y) rows[y].push_back({r.l, r.r});
+    for (auto& [y, spans] : rows) {
+        std::sort(spans.begin(), spans.end());
+        std::vector<std::pair<LONG, LONG>> joined;
+        for (const auto& sp : spans) {
+            if (!joined.empty() && joined.back().second >= sp.first)
+                joined.back().second = std::max(joined.back().second, sp.second);
+            else
+                joined.push_back(sp);
+        }
+        spans = joined;
+    }
+    return rows;
+}
+
+// Slivers thinner than a pixel, their long edges leaning alike or nearly so: most rows hold no
+// span while both edges move, and those rows are passed over together. Every row must still be
+// what a row-by-row scan gives, where the slivers touch, cross and part.
+TEST(RegionHostile, ThinSliversAreWhatARowByRowScanGives)
+{
+    std::uint64_t seed = 0x5eed5eedULL;
+    auto next = [&](std::int64_t lo, std::int64_t hi) {
+        seed = seed * 6364136223846793005ULL + 1442695040888963407ULL;
+        return lo + std::int64_t((seed >> 33) % std::uint64_t(hi - lo + 1));
+    };
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<POINT> points;
+        std::vector<int> counts;
+        const int slivers = int(next(1, 3));
+        for (int s = 0; s < slivers; ++s) {
+            // A parallelogram from (x, y) down H rows and across A columns, its other side u
+            // columns and v rows away: thinner than a pixel across, mostly.
+            const LONG x = LONG(next(-20, 20)), y = LONG(next(-10, 10)), H = LONG(next(20, 600));
+            const LONG A = LONG(next(-3, 3) * H + next(-2, 2)), u = LONG(next(-2, 2)), v = LONG(next(-2, 2));
+            points.insert(points.end(), {{x, y}, {x + A, y + H}, {x + A + u, y + H + v}, {x + u, y + v}});
+            counts.push_back(4);
+        }
+        for (const int mode : {ALTERNATE, WINDING}) {
+            HRGN h = CreatePolyPolygonRgn(points.data(), counts.data(), int(counts.size()), mode);
+            ASSERT_NE(h, nullptr);
+            const std::vector<Rect> want = rowByRow(points, counts, mode == WINDING);
+            if (mode == ALTERNATE)
+                EXPECT_EQ(rectsOf(h), want) << "round " << round;
+            else // which of two touching spans a row keeps apart follows the edges' order on earlier rows
+                EXPECT_EQ(pixelRows(rectsOf(h)), pixelRows(want)) << "round " << round;
+            DeleteObject(h);
+        }
+    }
 }
 
 // Polygons whose rows would each start a band of their own, over more rows than the rectangle

@@ -102,6 +102,55 @@ std::int64_t stillSteps(const Edge& e) noexcept
     return room / e.incr2 + 1;
 }
 
+// How many steps from now add the same amount to x, and that amount: a run of short steps (m) while
+// the error term stays on the short side, or of long steps (m1) while it stays on the long side.
+// Counted only where the term cannot wrap; 0 where it might.
+std::int64_t steadySteps(const Edge& e, std::int64_t& amount) noexcept
+{
+    constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
+    const bool strict = e.m1 > 0; // long steps while d > 0, else while d >= 0
+    const std::int64_t d = e.d;
+    if (!takesLongStep(e)) {
+        amount = e.m;
+        if (e.incr2 < 0) return 0;
+        if (e.incr2 == 0) return kForever;
+        return (strict ? -d : -d - 1) / e.incr2 + 1;
+    }
+    amount = e.m1;
+    if (e.incr1 > 0) return 0;
+    if (e.incr1 == 0) return kForever;
+    return (strict ? d - 1 : d) / -std::int64_t(e.incr1) + 1;
+}
+
+// Rows after this one that stay empty, for a row whose spans are empty: its edges stand in groups
+// at one x each (ALTERNATE pairs and WINDING spans open and close within a group), and the rows stay
+// empty for as long as every edge of a group adds the same amount to x on each step, no group
+// reaches the next, and no x wraps: the order and the groups are then the same on every row. A
+// sliver thinner than a pixel is passed over at once, however many rows it spans.
+std::int64_t emptyRows(const std::vector<Edge*>& active) noexcept
+{
+    std::int64_t rows = std::numeric_limits<std::int64_t>::max();
+    std::int64_t lastX = 0, lastAmount = 0;
+    for (std::size_t i = 0; i < active.size();) {
+        const std::int64_t x = active[i]->x;
+        std::int64_t amount = 0;
+        std::size_t j = i;
+        for (; j < active.size() && active[j]->x == x; ++j) {
+            std::int64_t a = 0;
+            rows = std::min(rows, steadySteps(*active[j], a));
+            if (j > i && a != amount) return 0;
+            amount = a;
+        }
+        // Within the 32-bit range: stays in order with the group to its left.
+        if (amount > 0) rows = std::min(rows, (std::int64_t(std::numeric_limits<std::int32_t>::max()) - x) / amount);
+        if (amount < 0) rows = std::min(rows, (x - std::numeric_limits<std::int32_t>::min()) / -amount);
+        if (i > 0 && lastAmount > amount) rows = std::min(rows, (x - lastX - 1) / (lastAmount - amount));
+        lastX = x, lastAmount = amount;
+        i = j;
+    }
+    return rows;
+}
+
 constexpr std::int64_t floorDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
 {
     return a >= 0 ? a / b : -((-a + b - 1) / b);
@@ -297,8 +346,11 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
         std::int64_t repeat = next < edges.size() ? edges[next].top - y - 1
                                                   : std::numeric_limits<std::int64_t>::max();
         for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
-        if (!spans.empty() || !allCancel(active, winding))
+        if (!spans.empty()) {
             for (const Edge* e : active) repeat = std::min(repeat, stillSteps(*e));
+        } else if (!allCancel(active, winding)) {
+            repeat = std::min(repeat, emptyRows(active));
+        }
         if (!writer.add(y, y + repeat + 1, spans)) return false;
         if (repeat > 0)
             for (Edge* e : active) advance(*e, repeat);
