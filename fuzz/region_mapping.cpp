@@ -14,11 +14,12 @@ namespace {
 // large that it must fail at once. Each rectangle's image is a four-sided piece whose rows change
 // only where an edge moves: no more rows than the sum over its edges of the smaller of their
 // width and height. A piece with up to 2^18 such rows makes a small region. One with more than
-// 2^25, at least two columns wide on average, would pass the rectangle limit, and the mapping must
-// notice that without making it. In between lies a result of millions of rectangles, slow only for
-// its size; and a thinner piece may hold a pixel on any share of its rows, up to millions of them.
-// Such matrices are left out. Pieces of 2^27 rows or more, or whose heights wrap, fail or come out
-// empty before any walk.
+// 2^26, at least eight columns wide on average, has its long edges at least a column apart on
+// nearly all its rows, each row a band of its own: far past the rectangle limit, which the
+// mapping must notice without making it. In between lies a result of millions of rectangles, slow
+// only for its size, and a thinner piece may hold a pixel on any share of its rows, up to millions
+// of them, or have its edges too close to tell at once: such matrices are left out. Pieces of 2^27
+// rows or more, or whose heights wrap, fail or come out empty before any walk.
 template <class T>
 bool sizeable(const Transform<T>& t, HRGN region)
 {
@@ -52,8 +53,8 @@ bool sizeable(const Transform<T>& t, HRGN region)
             twiceArea += __int128(p.x) * q.y - __int128(q.x) * p.y;
         }
         if (twiceArea < 0) twiceArea = -twiceArea;
-        const bool wide = twiceArea >= 4 * __int128(height);
-        if (moving > (std::int64_t(1) << 18) && (moving <= (std::int64_t(1) << 25) || !wide)) return false;
+        const bool wide = twiceArea >= 16 * __int128(height);
+        if (moving > (std::int64_t(1) << 18) && (moving <= (std::int64_t(1) << 26) || !wide)) return false;
     }
     return true;
 }
