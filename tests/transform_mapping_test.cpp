@@ -160,3 +160,55 @@ TEST(TransformMapping, GuardRowsInPlainDoubleGiveTheGuardOperatorsBits)
         EXPECT_EQ(wx, (((e[0] * guarddouble(1) + e[1] * guarddouble(-2)) + e[2] * guarddouble(3)) + e[3]).nint()) << i;
     }
 }
+
+// Transform<float>'s mapping against the formula spelled out in plain scalar code, for every vector
+// type, as this program's compiler inlines it (the lanes of rows 0 and 1 where the build is for
+// SSE2 without AVX, the plain row sums otherwise) and as the module exports it (always the lanes
+// on x86). See float_mapping_battery.h for the values.
+#include "float_mapping_battery.h"
+
+#if defined(__GNUC__) && !defined(_WIN32)
+#  include <dlfcn.h>
+#endif
+
+TEST(TransformMapping, FloatTransformInlineHasTheFormulasBits)
+{
+    float_battery::everyVectorType(0xf1'0a7, 4000, "inline",
+                                   [](const float (&)[16], const Transform<float>& t, const auto& v) { return t * v; });
+}
+
+#if defined(__GNUC__) && !defined(_WIN32)
+namespace {
+// The module's copy of the member for vector type B, found by its exported name, and called the
+// way the x86-64 and AArch64 conventions call a member: the object as the first argument.
+template <class B>
+const char* memberName()
+{
+    if constexpr (std::is_same_v<B, int>) return "_ZNK9TransformIfEmlERK12ThreeDVectorIiE";
+    else if constexpr (std::is_same_v<B, float>) return "_ZNK9TransformIfEmlERK12ThreeDVectorIfE";
+    else if constexpr (std::is_same_v<B, double>) return "_ZNK9TransformIfEmlERK12ThreeDVectorIdE";
+    else if constexpr (std::is_same_v<B, guardint>) return "_ZNK9TransformIfEmlERK12ThreeDVectorI8guardintE";
+    else if constexpr (std::is_same_v<B, guardfloat>) return "_ZNK9TransformIfEmlERK12ThreeDVectorI10guardfloatE";
+    else return "_ZNK9TransformIfEmlERK12ThreeDVectorI11guarddoubleE";
+}
+} // namespace
+
+TEST(TransformMapping, FloatTransformInTheModuleHasTheFormulasBits)
+{
+    void* module = dlopen("libquillon.so.1", RTLD_LAZY | RTLD_NOLOAD);
+    if (!module) module = dlopen("libquillon.so.1", RTLD_LAZY);
+    ASSERT_NE(module, nullptr) << dlerror();
+    int found = 0;
+    const auto viaModule = [&](const float (&)[16], const Transform<float>& t, const auto& v) {
+        using V = std::decay_t<decltype(v)>;
+        using Member = V (*)(const Transform<float>*, const V&);
+        void* symbol = dlsym(module, memberName<decltype(v.GetX())>());
+        if (!symbol) return V();
+        ++found;
+        return reinterpret_cast<Member>(symbol)(&t, v);
+    };
+    float_battery::everyVectorType(0xe4'9047, 4000, "module", viaModule);
+    EXPECT_EQ(found, 6 * 4000); // every member was found and called
+    dlclose(module);
+}
+#endif

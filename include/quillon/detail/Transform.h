@@ -24,6 +24,18 @@
 #include <cstring>
 #include <type_traits>
 
+// Transform<float> maps a point with rows 0 and 1 side by side in the two halves of one SSE2
+// register (see mapInLanes below) where the compiler has GCC's vector extensions and SSE2 is the
+// widest vector unit it may use. Where AVX is enabled the plain row sums are kept in callers'
+// code: in a loop over many points the compiler's loop vectorizer maps four or eight points at
+// once from them, which a point-at-a-time form would prevent. The module's own copy of the member
+// is never in a caller's loop and always takes the lanes.
+#if (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12)) && defined(__SSE2__) && \
+    (!defined(__AVX__) || defined(QUILLON_BUILDING_MODULE))
+#  define QUILLON_MAP_LANES 1
+#  include <emmintrin.h>
+#endif
+
 #if defined(_WIN32)
 #  define QUILLON_API // Quillon.dll exports its members by name through its .def file
 #else
@@ -764,6 +776,51 @@ QUILLON_MAP_COLD ThreeDVector<B> mapGuarded(const guarddouble (&e)[4][4], guardd
     return leaveRows<guarddouble, B>(rowSum(e, 0, x, y, z), rowSum(e, 1, x, y, z), rowSum(e, 2, x, y, z));
 }
 
+#if defined(QUILLON_MAP_LANES)
+// Transform<float> on one point, with the row sums of rowSum and the exits of leaveRows: rows 0
+// and 1 side by side, lane r of each step being row r's own product or sum in rowSum's order and
+// grouping, and row 2 alone in plain doubles. Lanes never mix and nothing fuses, so every row has
+// the bits of rowSum; what changes is the number of instructions. Widening a float to double is
+// exact, so two floats at a time are widened by one cvtps2pd (the components of a
+// ThreeDVector<float> straight from memory, x with y and y with z), and the elements of rows 0
+// and 1 are paired column by column before they are widened. Rows 0 and 1 leave through
+// leaveRows, where the compiler rounds both lanes of a float result with one cvtpd2ps, which also
+// leaves x and y packed in the register a ThreeDVector<float> is returned in. (SSE2 intrinsics:
+// GCC 12 splits a conversion of its own two-float vectors into two scalar ones.)
+template <class B>
+inline ThreeDVector<B> mapInLanes(const float (&e)[4][4], const ThreeDVector<B>& v) noexcept
+{
+    using R = MapRule<float>;
+    // (x, y) and (y, z) in double.
+    LanePair xy, yz;
+    if constexpr (std::is_same_v<B, float>) {
+        static_assert(std::is_standard_layout_v<ThreeDVector<float>> && sizeof(ThreeDVector<float>) == 12);
+        const char* at = reinterpret_cast<const char*>(&v);
+        xy = LanePair(_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(at)))));
+        yz = LanePair(_mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(at + 4)))));
+    } else {
+        const double x = R::enter(v.GetX()), y = R::enter(v.GetY()), z = R::enter(v.GetZ());
+        xy = LanePair{x, y};
+        yz = LanePair{y, z};
+    }
+    // Column c of rows 0 and 1 as (e[0][c], e[1][c]); row 2 as (e[2][0], e[2][1]), (e[2][2], e[2][3]).
+    __m128 r0, r1, r2;
+    std::memcpy(&r0, e[0], sizeof r0);
+    std::memcpy(&r1, e[1], sizeof r1);
+    std::memcpy(&r2, e[2], sizeof r2);
+    const __m128 left = _mm_unpacklo_ps(r0, r1), right = _mm_unpackhi_ps(r0, r1);
+    const LanePair c0 = LanePair(_mm_cvtps_pd(left)), c1 = LanePair(_mm_cvtps_pd(_mm_movehl_ps(left, left)));
+    const LanePair c2 = LanePair(_mm_cvtps_pd(right)), c3 = LanePair(_mm_cvtps_pd(_mm_movehl_ps(right, right)));
+    const LanePair d01 = LanePair(_mm_cvtps_pd(r2)), d23 = LanePair(_mm_cvtps_pd(_mm_movehl_ps(r2, r2)));
+    const LanePair x = __builtin_shufflevector(xy, xy, 0, 0);
+    const LanePair y = __builtin_shufflevector(yz, yz, 0, 0);
+    const LanePair z = __builtin_shufflevector(yz, yz, 1, 1);
+    const LanePair rows01 = ((c0 * x + c1 * y) + c2 * z) + c3;
+    const double row2 = ((d01[0] * x[0] + d01[1] * y[0]) + d23[0] * z[0]) + d23[1];
+    return leaveRows<float, B>(rows01[0], rows01[1], row2);
+}
+#endif
+
 template <class A, class B>
 inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) noexcept
 {
@@ -786,6 +843,9 @@ inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) no
         };
         return leaveRows<A, B>(plain(0), plain(1), plain(2));
     } else {
+#if defined(QUILLON_MAP_LANES)
+        if constexpr (std::is_same_v<A, float>) return mapInLanes(e, v);
+#endif
         return leaveRows<A, B>(rowSum(e, 0, x, y, z), rowSum(e, 1, x, y, z), rowSum(e, 2, x, y, z));
     }
 }
