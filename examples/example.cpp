@@ -9,7 +9,6 @@ namespace {
 
 template <class T>
 double shown(const T& v) { return quillon::Element<T>::toDouble(v); }
-double shown(const guarddouble& v) { return v.value(); } // the stored value, fraction included
 
 template <class T>
 void print(const char* title, const Transform<T>& t)
