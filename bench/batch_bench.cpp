@@ -223,6 +223,21 @@ void MapFloatByHandCalled(benchmark::State& state)
 }
 BENCHMARK(MapFloatByHandCalled);
 
+// The same 1024 float points in one call: what a caller with many points uses instead.
+void MapFloatBatch(benchmark::State& state)
+{
+    const Transform<float> t = sampleTransform<float>();
+    const auto in = points<float>(kSinglePoints);
+    std::vector<ThreeDVector<float>> out(kSinglePoints);
+    for (auto _ : state) {
+        quillon::mapPoints(t, in.data(), out.data(), kSinglePoints);
+        benchmark::DoNotOptimize(out.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kSinglePoints);
+}
+BENCHMARK(MapFloatBatch);
+
 #ifdef QUILLON_BENCH_EIGEN
 void MapFloatEigen(benchmark::State& state)
 {

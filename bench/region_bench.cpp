@@ -2,7 +2,7 @@
 // Region mapping: a grid of n squares turned by 30 degrees, the union of its n quadrilaterals made
 // by the library, against pixman's pairwise tree union of the very same pieces (made beforehand,
 // so the tree is timed on its union alone). Run with n, 2n and 4n to see how the time grows:
-//   ./build/release/bench/quillon_region_bench
+//   ./build/release/bench/quillon_bench --benchmark_filter=Turned\|Tree
 #include <quillon/Region>
 #include <quillon/Transform>
 
