@@ -746,7 +746,23 @@ bool unionAll(const std::vector<BoxRun>& parts, Region& out)
             i = j;
         }
     }
-    std::stable_sort(bands.begin(), bands.end(), [](const Band& a, const Band& b) { return a.top < b.top; });
+    // By top, bands of one top in their order. Where the tops span few rows for their number, as
+    // the pieces of a mapped region do, by counting; else by merging.
+    std::int64_t low = 0, high = -1;
+    if (!bands.empty()) {
+        low = high = bands[0].top;
+        for (const Band& b : bands) low = std::min<std::int64_t>(low, b.top), high = std::max<std::int64_t>(high, b.top);
+    }
+    if (high - low < 4 * std::int64_t(bands.size()) + 1024) {
+        std::vector<std::size_t> at(static_cast<std::size_t>(high - low + 2), 0);
+        for (const Band& b : bands) ++at[static_cast<std::size_t>(b.top - low + 1)];
+        for (std::size_t k = 1; k < at.size(); ++k) at[k] += at[k - 1];
+        std::vector<Band> sorted(bands.size());
+        for (const Band& b : bands) sorted[at[static_cast<std::size_t>(b.top - low)]++] = b;
+        bands.swap(sorted);
+    } else {
+        std::stable_sort(bands.begin(), bands.end(), [](const Band& a, const Band& b) { return a.top < b.top; });
+    }
     BoxBuffer boxes;
     if (!boxes.reserveMore(std::min(total, kMaxRects))) return false; // the usual size of a union
     std::vector<const Band*> active;

@@ -314,9 +314,13 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     if (edges.empty()) return true;
     // Edges in the order they start; among edges starting on one row, by x, keeping the
     // polygon's order where x ties.
-    std::stable_sort(edges.begin(), edges.end(), [](const Edge& a, const Edge& b) {
-        return a.top != b.top ? a.top < b.top : a.x < b.x;
-    });
+    const auto before = [](const Edge& a, const Edge& b) { return a.top != b.top ? a.top < b.top : a.x < b.x; };
+    if (edges.size() <= 16) { // a mapped rectangle's four: in place, where stable_sort would allocate
+        for (std::size_t i = 1; i < edges.size(); ++i)
+            for (std::size_t j = i; j > 0 && before(edges[j], edges[j - 1]); --j) std::swap(edges[j], edges[j - 1]);
+    } else {
+        std::stable_sort(edges.begin(), edges.end(), before);
+    }
     std::vector<Edge*>& active = scratch.active;
     std::vector<Edge*>& fresh = scratch.fresh;
     std::vector<Edge*>& merged = scratch.merged;
