@@ -420,18 +420,51 @@ private:
         return true;
     }
 
-    // Every overlap of a rectangle of a with one of b, from left to right.
+    // Every overlap of a rectangle of a with one of b, from left to right. Each rectangle of the
+    // smaller band meets a run of the larger band's rectangles, all whole but the two at its ends:
+    // the result is held as the larger band with what lies outside the runs dropped and the ends
+    // cut, so a band that meets many of the same rectangles on row after row costs its own size.
     void intersect(const BandView& a, const BandView& b, BandResult& out)
     {
         const BandView& small = a.n <= b.n ? a : b;
         const BandView& large = a.n <= b.n ? b : a;
-        out.start(nullptr, 0);
+        if (large.n <= kSmall) {
+            out.start(nullptr, 0);
+            for (Index i = 0; i < small.n; ++i) {
+                const Box& s = small.r[i];
+                for (Index j = firstEndingAfter(large, s.x1, false); j < large.n && large.r[j].x1 < s.x2; ++j)
+                    out.spans.push_back(Span{std::max(s.x1, large.r[j].x1), std::min(s.x2, large.r[j].x2)});
+            }
+            out.patch(0, 0, 0);
+            return;
+        }
+        out.start(large.r, large.n);
+        Index at = 0; // the larger band's rectangles before at are placed
+        auto cut = [&](Index j, const Box& s) {
+            const Index first = out.spans.size();
+            out.spans.push_back(Span{std::max(s.x1, large.r[j].x1), std::min(s.x2, large.r[j].x2)});
+            out.patch(j, j + 1, first);
+        };
         for (Index i = 0; i < small.n; ++i) {
             const Box& s = small.r[i];
-            for (Index j = firstEndingAfter(large, s.x1, false); j < large.n && large.r[j].x1 < s.x2; ++j)
-                out.spans.push_back(Span{std::max(s.x1, large.r[j].x1), std::min(s.x2, large.r[j].x2)});
+            Index lo = firstEndingAfter(large, s.x1, false);
+            const Index hi = firstStartingFrom(large, s.x2, false);
+            if (lo >= hi) continue;
+            if (lo < at) {
+                // The rectangle that spans the gap from the previous one, cut there already: its
+                // second piece follows the first in the same replacement.
+                out.spans.push_back(Span{std::max(s.x1, large.r[lo].x1), std::min(s.x2, large.r[lo].x2)});
+                out.patches.back().count += 1;
+                out.length += 1;
+                if (++lo == hi) continue;
+            } else if (lo > at) {
+                out.patch(at, lo, out.spans.size());
+            }
+            if (large.r[lo].x1 < s.x1 || (hi - lo == 1 && large.r[lo].x2 > s.x2)) cut(lo, s);
+            if (hi - lo > 1 && large.r[hi - 1].x2 > s.x2) cut(hi - 1, s);
+            at = hi;
         }
-        out.patch(0, 0, 0);
+        if (at < large.n) out.patch(at, large.n, out.spans.size());
     }
 
     // The uncovered pieces of m, less the band s, from left to right.
