@@ -707,28 +707,24 @@ namespace detail {
 // no NaN). Then no product reaches 2^1000 and no sum 2^1002: no operand is at the limit, no sum or
 // product saturates, and a zero product has the IEEE sign, so each guard operation of the rows
 // gives exactly the IEEE result and the rows can be summed in plain double, in the same order.
-inline bool guardRowsArePlain(const guarddouble (&e)[4][4], double x, double y, double z) noexcept
+// The elements are tested apart from the point, so that a caller's loop tests them once.
+inline constexpr double kPlainBound = 0x1p500;
+inline bool guardElementsArePlain(const guarddouble (&e)[4][4]) noexcept
 {
-    constexpr double bound = 0x1p500;
-#if defined(QUILLON_LANES)
-    // Two operands at a time: the magnitude is the bits without the sign, and a NaN compares false.
-    typedef long long Bits __attribute__((vector_size(16)));
-    const Bits magnitude = {0x7fffffffffffffffLL, 0x7fffffffffffffffLL};
-    const auto within = [&](double a, double b) {
-        return reinterpret_cast<Bits>(reinterpret_cast<LanePair>(reinterpret_cast<Bits>(LanePair{a, b}) & magnitude) <=
-                                      LanePair{bound, bound});
-    };
-    const Bits all = within(x, y) & within(z, e[0][0].value()) & within(e[0][1].value(), e[0][2].value()) &
-                     within(e[0][3].value(), e[1][0].value()) & within(e[1][1].value(), e[1][2].value()) &
-                     within(e[1][3].value(), e[2][0].value()) & within(e[2][1].value(), e[2][2].value()) &
-                     within(e[2][3].value(), e[2][3].value());
-    return (all[0] & all[1]) != 0;
-#else
-    bool plain = (std::fabs(x) <= bound) & (std::fabs(y) <= bound) & (std::fabs(z) <= bound);
-    for (int r = 0; r < 3; ++r)
-        for (int c = 0; c < 4; ++c) plain &= std::fabs(e[r][c].value()) <= bound;
-    return plain;
-#endif
+    // Written out, with no loop, so that a caller's compiler sees twelve tests it can move out of
+    // its own loop; a NaN compares false.
+    const auto within = [](const guarddouble& g) { return std::fabs(g.value()) <= kPlainBound; };
+    return within(e[0][0]) & within(e[0][1]) & within(e[0][2]) & within(e[0][3]) & within(e[1][0]) &
+           within(e[1][1]) & within(e[1][2]) & within(e[1][3]) & within(e[2][0]) & within(e[2][1]) &
+           within(e[2][2]) & within(e[2][3]);
+}
+// The point by the sum of its magnitudes: each is no larger than the sum as rounded (and a NaN or
+// an infinity makes it fail), so a sum within the bound puts all three within it. A point whose
+// components are within the bound but whose sum is not takes the guard rules, which give the same
+// bits.
+inline bool guardPointIsPlain(double x, double y, double z) noexcept
+{
+    return (std::fabs(x) + std::fabs(y)) + std::fabs(z) <= kPlainBound;
 }
 
 // s_r = (((e[r][0] x + e[r][1] y) + e[r][2] z) + e[r][3]): the element is the left operand of
@@ -831,17 +827,27 @@ inline ThreeDVector<B> mapPoint(const A (&e)[4][4], const ThreeDVector<B>& v) no
     const auto z = W::work(R::enter(v.GetZ()));
     if constexpr (std::is_same_v<A, guarddouble>) {
         const double px = x.value(), py = y.value(), pz = z.value();
-        if (!guardRowsArePlain(e, px, py, pz)) return mapGuarded<B>(e, x, y, z);
+        if (!(guardElementsArePlain(e) && guardPointIsPlain(px, py, pz))) return mapGuarded<B>(e, x, y, z);
         // The same sums in plain double: every guard operation would give the IEEE result. No sum
         // comes near the limit, so each is kept as it is, as guarddouble(double) would keep it.
-        const auto plain = [&](int r) {
-            const double sum = ((e[r][0].value() * px + e[r][1].value() * py) + e[r][2].value() * pz) + e[r][3].value();
+        const auto kept = [](double sum) {
             guarddouble g;
             static_assert(std::is_trivially_copyable_v<guarddouble> && sizeof(guarddouble) == sizeof(double));
             std::memcpy(static_cast<void*>(&g), &sum, sizeof sum);
             return g;
         };
-        return leaveRows<A, B>(plain(0), plain(1), plain(2));
+        const auto plain = [&](int r) {
+            return ((e[r][0].value() * px + e[r][1].value() * py) + e[r][2].value() * pz) + e[r][3].value();
+        };
+#if defined(QUILLON_LANES)
+        // Rows 0 and 1 side by side, each lane its own row's products and sums in plain's order.
+        const auto column = [&](int c) { return LanePair{e[0][c].value(), e[1][c].value()}; };
+        const LanePair rows01 = ((column(0) * LanePair{px, px} + column(1) * LanePair{py, py}) +
+                                 column(2) * LanePair{pz, pz}) + column(3);
+        return leaveRows<A, B>(kept(rows01[0]), kept(rows01[1]), kept(plain(2)));
+#else
+        return leaveRows<A, B>(kept(plain(0)), kept(plain(1)), kept(plain(2)));
+#endif
     } else {
 #if defined(QUILLON_MAP_LANES)
         if constexpr (std::is_same_v<A, float>) return mapInLanes(e, v);
