@@ -13,7 +13,7 @@ namespace {
 // Whether the mapping's result stays small enough to make within an input's second, or is so
 // large that it must fail at once. Each rectangle's image is a four-sided piece whose rows change
 // only where an edge moves: no more rows than the sum over its edges of the smaller of their
-// width and height. A piece with up to 2^18 such rows makes a small region. One with more than
+// width and height. Pieces with up to 2^18 such rows in all make a small region. One with more than
 // 2^26, at least eight columns wide on average, has its long edges at least a column apart on
 // nearly all its rows, each row a band of its own: far past the rectangle limit, which the
 // mapping must notice without making it. In between lies a result of millions of rectangles, slow
@@ -29,6 +29,7 @@ bool sizeable(const Transform<T>& t, HRGN region)
     if (GetRegionData(region, n, data) != n) return true;
     const RECT* rects = reinterpret_cast<const RECT*>(data->Buffer);
     auto wrap = [](std::int64_t v) { return static_cast<std::int32_t>(static_cast<std::uint32_t>(v)); };
+    std::int64_t small = 0; // the moving rows of the pieces made, all together
     for (DWORD i = 0; i < data->rdh.nCount; ++i) {
         const RECT& r = rects[i];
         POINT c[4];
@@ -55,8 +56,9 @@ bool sizeable(const Transform<T>& t, HRGN region)
         if (twiceArea < 0) twiceArea = -twiceArea;
         const bool wide = twiceArea >= 16 * __int128(height);
         if (moving > (std::int64_t(1) << 18) && (moving <= (std::int64_t(1) << 26) || !wide)) return false;
+        if (moving <= (std::int64_t(1) << 18)) small += moving;
     }
-    return true;
+    return small <= (std::int64_t(1) << 18);
 }
 
 template <class T>
