@@ -450,7 +450,7 @@ private:
             Index lo = firstEndingAfter(large, s.x1, false);
             const Index hi = firstStartingFrom(large, s.x2, false);
             if (lo >= hi) continue;
-            if (lo < at) {
+            if (lo < at && !out.patches.empty()) {
                 // The rectangle that spans the gap from the previous one, cut there already: its
                 // second piece follows the first in the same replacement.
                 out.spans.push_back(Span{std::max(s.x1, large.r[lo].x1), std::min(s.x2, large.r[lo].x2)});
