@@ -89,19 +89,6 @@ inline void step(Edge& e) noexcept
     }
 }
 
-// How many steps from now leave x where it is: only an edge with m = 0 stands still, for as
-// long as its error term stays on the short side. Counted only where the term cannot wrap.
-std::int64_t stillSteps(const Edge& e) noexcept
-{
-    constexpr std::int64_t kForever = std::numeric_limits<std::int64_t>::max();
-    if (e.m != 0 || takesLongStep(e)) return 0;
-    if (e.incr2 < 0) return 0;
-    if (e.incr2 == 0) return kForever;
-    // Short steps go on while d <= 0 (m1 > 0) or d < 0 (m1 <= 0).
-    const std::int64_t room = e.m1 > 0 ? -std::int64_t(e.d) : -std::int64_t(e.d) - 1;
-    return room / e.incr2 + 1;
-}
-
 // How many steps from now add the same amount to x, and that amount: a run of short steps (m) while
 // the error term stays on the short side, or of long steps (m1) while it stays on the long side.
 // Counted only where the term cannot wrap; 0 where it might.
@@ -120,6 +107,15 @@ std::int64_t steadySteps(const Edge& e, std::int64_t& amount) noexcept
     if (e.incr1 > 0) return 0;
     if (e.incr1 == 0) return kForever;
     return (strict ? d - 1 : d) / -std::int64_t(e.incr1) + 1;
+}
+
+// How many steps from now leave x where it is: only an edge with m = 0 stands still, for as
+// long as its error term stays on the short side (advance() counts on short steps here).
+std::int64_t stillSteps(const Edge& e) noexcept
+{
+    std::int64_t amount = 0;
+    const std::int64_t run = steadySteps(e, amount);
+    return !takesLongStep(e) && amount == 0 ? run : 0;
 }
 
 // Rows after this one that stay empty, for a row whose spans are empty: its edges stand in groups
