@@ -3,7 +3,7 @@
 # (find_package(Quillon) gives Quillon::quillon, which brings Quillon::guardscalars) and quillon.pc.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS guardscalars quillon_region quillon quillon_batch quillon_exactness EXPORT QuillonTargets
+install(TARGETS guardscalars quillon_region quillon quillon_trig quillon_batch quillon_exactness EXPORT QuillonTargets
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})

@@ -21,7 +21,9 @@ foreach(objects guardscalars_dll_objects quillon_dll_objects)
 endforeach()
 # Quillon.dll calls the guard operations that "Guard Scalars.dll" exports, as every module built
 # against that library does; elsewhere they are inlined.
-target_compile_definitions(quillon_dll_objects PRIVATE QUILLON_BUILDING_MODULE QUILLON_GUARD_OUT_OF_LINE)
+# Its programs expect the platform's rotations, so its sin and cos stay msvcrt's.
+target_compile_definitions(quillon_dll_objects PRIVATE QUILLON_BUILDING_MODULE QUILLON_GUARD_OUT_OF_LINE
+  QUILLON_PLATFORM_TRIG)
 
 # "Guard Scalars.dll": the 51 exports of the guard classes.
 quillon_msvc_object(${dir}/GuardExports.obj ${CMAKE_CURRENT_SOURCE_DIR}/scalars/msvc/GuardExports.cpp)

@@ -24,13 +24,16 @@ build_object() { # source, defines...
 for f in RegionFunctions RegionAlgebra ScanConversion; do
   build_object "$root/src/platform/$f.cpp" -DNDEBUG
 done
+for f in Sine Accurate Tables; do
+  build_object "$root/src/trig/$f.cpp"
+done
 build_object "$root/src/scalars/GuardScalars.cpp" -DQUILLON_BUILDING_GUARDSCALARS
 build_object "$root/src/transform/Transform.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/src/transform/RegionMapping.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/src/vector/ThreeDVector.cpp" -DQUILLON_BUILDING_MODULE
 build_object "$root/tools/quillon/common.cpp" # the tool's readers and writers
-for target in ext_create_region polygons region_calls scalars region_mapping tool_parsers; do
+for target in ext_create_region polygons region_calls scalars region_mapping tool_parsers trig; do
   if [ ! -e "$out/$target" ] || [ -n "$(find "$here" "${objects[@]}" -newer "$out/$target" -print -quit)" ]; then
-    "$cxx" "${flags[@]}" -fsanitize=fuzzer "$here/$target.cpp" "${objects[@]}" $pixman -o "$out/$target"
+    "$cxx" "${flags[@]}" -fsanitize=fuzzer "$here/$target.cpp" "${objects[@]}" $pixman -lmpfr -lgmp -o "$out/$target"
   fi
 done

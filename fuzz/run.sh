@@ -13,7 +13,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 out=$1 how=$2 amount=$3
 shift 3
 targets=("$@")
-[ ${#targets[@]} -gt 0 ] || targets=(ext_create_region polygons region_calls scalars region_mapping tool_parsers)
+[ ${#targets[@]} -gt 0 ] || targets=(ext_create_region polygons region_calls scalars region_mapping tool_parsers trig)
 "$here/build.sh" "$out" || exit 1
 status=0
 for target in "${targets[@]}"; do

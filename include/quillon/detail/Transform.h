@@ -19,6 +19,7 @@
 #define QUILLON_TRANSFORM
 
 #include <quillon/ThreeDVector>
+#include <quillon/detail/Trigonometry.h>
 
 #include <cmath>
 #include <cstring>
@@ -48,26 +49,6 @@ class Transform;
 // Region handles, as the platform's region functions declare them (see <quillon/Region>).
 struct HRGN__;
 typedef HRGN__* HRGN;
-
-namespace quillon {
-// sin and cos of the platform's C library, the only functions whose last bits vary by platform.
-// mingw-w64 links replacements of its own ahead of the Windows C runtime's; the runtime's are
-// called through their import entries instead.
-#if defined(__MINGW32__)
-#  if defined(__i386__)
-extern "C" double (*const quillon_crt_sin)(double) __asm__("__imp__sin");
-extern "C" double (*const quillon_crt_cos)(double) __asm__("__imp__cos");
-#  else
-extern "C" double (*const quillon_crt_sin)(double) __asm__("__imp_sin");
-extern "C" double (*const quillon_crt_cos)(double) __asm__("__imp_cos");
-#  endif
-inline double platformSin(double a) noexcept { return quillon_crt_sin(a); }
-inline double platformCos(double a) noexcept { return quillon_crt_cos(a); }
-#else
-inline double platformSin(double a) noexcept { return std::sin(a); } ///< sin of the platform's C library
-inline double platformCos(double a) noexcept { return std::cos(a); } ///< cos of the platform's C library
-#endif
-} // namespace quillon
 
 namespace quillon::detail {
 struct PrivateAccess;
@@ -216,9 +197,9 @@ template <class T>
 Transform<T>::Transform(double ax, double ay, double az) noexcept
 {
     quillon::detail::setIdentity(elements);
-    using quillon::platformCos, quillon::platformSin;
-    const double cx = platformCos(ax), cy = platformCos(ay), cz = platformCos(az);
-    const double sx = platformSin(ax), sy = platformSin(ay), sz = platformSin(az);
+    const quillon::SineCosine x = quillon::rotationSineCosine(ax), y = quillon::rotationSineCosine(ay),
+                              z = quillon::rotationSineCosine(az);
+    const double cx = x.cos, cy = y.cos, cz = z.cos, sx = x.sin, sy = y.sin, sz = z.sin;
     // Each element one double expression in exactly this grouping, stored by the element's rule.
     elements[0][0] = E::fromDouble(cy * cz);
     elements[0][1] = E::fromDouble((-cy) * sz);
@@ -241,7 +222,8 @@ template <class T>
 void turnRows(T (&e)[4][4], int first, int second, double t, bool plusFirst) noexcept
 {
     using E = Element<T>;
-    const double c = platformCos(t), s = platformSin(t);
+    const SineCosine sc = rotationSineCosine(t);
+    const double c = sc.cos, s = sc.sin;
     double f[4], g[4];
     for (int k = 0; k < 4; ++k) {
         f[k] = E::toDouble(e[first][k]);

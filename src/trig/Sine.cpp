@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+// quillon::sine and quillon::cosine: correctly rounded to nearest for every double, from IEEE
+// double arithmetic and 64-bit integers only, so the same source gives the same bits everywhere.
+// The fast path evaluates in double-double with a bound on its error; when the bound leaves the
+// rounding open, the accurate path (Accurate.cpp) decides. README.md beside this file gives the
+// error analysis.
+#include "quillon/detail/Trigonometry.h"
+
+#include "Accurate.h"
+#include "Fast.h"
+#include "Tables.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace quillon::trig {
+namespace {
+constexpr double kQuarterPi = 0x1.921fb54442d18p-1; // just below pi/4
+constexpr double kTwoOverPiDouble = 0x1.45f306dc9c883p-1;
+constexpr double kCodyLimit = 0x1.8p+22; // below it |x| 2/pi rounds to at most 2^22 + 1
+constexpr double kRound = 0x1.8p+52;     // adding and taking it away rounds to an integer
+constexpr double kRelative = 0x1p-66;    // the fast path's relative error bound (README.md)
+
+std::uint64_t bitsOf(double x)
+{
+    std::uint64_t b;
+    std::memcpy(&b, &x, sizeof b);
+    return b;
+}
+
+double fromBits(std::uint64_t b)
+{
+    double x;
+    std::memcpy(&x, &b, sizeof x);
+    return x;
+}
+
+double magnitude(double x) { return x < 0 ? -x : x; }
+
+// a + b exactly as s + e.
+Pair twoSum(double a, double b)
+{
+    const double s = a + b, bb = s - a;
+    return {s, (a - (s - bb)) + (b - bb)};
+}
+
+// a + b exactly as s + e, for |a| >= |b| or a = 0.
+Pair fastTwoSum(double a, double b)
+{
+    const double s = a + b;
+    return {s, b - (s - a)};
+}
+
+// |x| = 4j + quadrant turns of pi/2 plus r = hi + lo (|r| <= pi/4 and a little), with `error`
+// bounding |r - (hi + lo)| apart from the part relative to r that kRelative covers.
+struct Reduction {
+    double hi, lo;
+    unsigned quadrant;
+    double error;
+};
+
+// Beyond kCodyLimit, the bits of 2/pi in integers: 128 bits of r, of which hi + lo keep 106
+// (2^-100 |r|). Apart, so the common path keeps no stack frame.
+[[gnu::noinline]] Reduction reduceLarge(double ax)
+{
+    constexpr int n = 4;
+    Reduced red;
+    reduce(ax, n, red);
+    const Wide r = multiply(red.fraction, piOverTwo(n), n); // in [pi/4, pi/2)
+    const std::uint64_t top = (std::uint64_t{r.w[0]} << 52) | (std::uint64_t{r.w[1]} << 20) | (r.w[2] >> 12);
+    const std::uint64_t next = ((std::uint64_t{r.w[2]} & 0xfff) << 41) | (std::uint64_t{r.w[3]} << 9) | (r.w[4] >> 23);
+    // r = (top 2^-52 + next 2^-105) 2^-shift: the products are exact, the scale a power of two.
+    double scale = 1.0;
+    for (int s = red.shift; s > 0; s -= 60)
+        scale *= s >= 60 ? 0x1p-60 : 1.0 / static_cast<double>(std::uint64_t{1} << s);
+    double hi = static_cast<double>(top) * 0x1p-52 * scale, lo = static_cast<double>(next) * 0x1p-105 * scale;
+    if (red.negative) {
+        hi = -hi;
+        lo = -lo;
+    }
+    return {hi, lo, red.quadrant, magnitude(hi) * 0x1p-100};
+}
+
+Reduction reduceFast(double ax)
+{
+    if (ax < kQuarterPi)
+        return {ax, 0.0, 0, 0.0};
+    if (ax < kCodyLimit) {
+        // k kCody[0..2] are exact (22 + 31 bits), and so is ax - k kCody[0] (the two lie within a
+        // factor of two); the two sums after it are exact. Left: pi/2 - sum(kCody) < 2^-159 times
+        // k, k kCody[3] rounded (2^-134), and the last sum's rounding (2^-106 |r| + 2^-146).
+        const double k = (ax * kTwoOverPiDouble + kRound) - kRound;
+        const double t = ax - k * kCody[0];
+        const Pair s1 = twoSum(t, -(k * kCody[1]));
+        const Pair s2 = twoSum(s1.hi, -(k * kCody[2]));
+        const double lo = (s1.lo + s2.lo) - k * kCody[3];
+        return {s2.hi, lo, static_cast<unsigned>(static_cast<std::int64_t>(k)) & 3, 0x1p-133};
+    }
+    return reduceLarge(ax);
+}
+
+// sin r and cos r for 0 <= r = hi + lo <= pi/4 (and a little), each as a pair within 2^-66 of
+// the value relative to it: r = a + b + lo with a = i/256 from the table and |b| <= 2^-9,
+//   sin(a + b + lo) = sin a + sin a (cos B - 1) + cos a sin B
+//   cos(a + b + lo) = cos a + cos a (cos B - 1) - sin a sin B      (B = b + lo)
+// with the leading product exact (26 bits of the table times 26 bits of b) and its sum with the
+// table's value exact; the small terms in double. Split holds what both sums share.
+struct Split {
+    const Row* row;
+    double b, bLead, bRest, lo, cosMinusOne, sinTail;
+};
+
+Split split(double hi, double lo)
+{
+    const double scaled = hi * 256.0 + kRound; // i = hi * 256 rounded, in the low bits
+    const double ai = scaled - kRound;
+    const double b = hi - ai * 0x1p-8; // exact: hi and i/256 lie within a factor of two
+    const double c = 134217729.0 * b, bLead = c - (c - b); // b's leading 26 bits (Dekker's split)
+    const double bf = b + lo, z = bf * bf;
+    const double cosMinusOne = z * (-0.5 + z * (0x1.5555555555555p-5 + z * -0x1.6c16c16c16c17p-10));
+    const double sinTail = (bf * z) * (-0x1.5555555555555p-3 + z * (0x1.1111111111111p-7 + z * -0x1.a01a01a01a01ap-13));
+    return {&kSinCos[static_cast<unsigned>(bitsOf(scaled)) & 0xff], b, bLead, b - bLead, lo, cosMinusOne, sinTail};
+}
+
+Pair sinOf(const Split& s)
+{
+    const Row& row = *s.row;
+    const Pair sum = twoSum(row.sinHi, row.cosLead * s.bLead);
+    const double small = ((row.sinLo + sum.lo) + row.sinHi * s.cosMinusOne) +
+                         (row.cosLead * s.bRest + (row.cosRest * s.b + row.cosHi * (s.lo + s.sinTail)));
+    return fastTwoSum(sum.hi, small);
+}
+
+Pair cosOf(const Split& s)
+{
+    const Row& row = *s.row;
+    const Pair sum = twoSum(row.cosHi, -(row.sinLead * s.bLead));
+    const double small = ((row.cosLo + sum.lo) + row.cosHi * s.cosMinusOne) -
+                         (row.sinLead * s.bRest + (row.sinRest * s.b + row.sinHi * (s.lo + s.sinTail)));
+    return fastTwoSum(sum.hi, small);
+}
+
+// The reduced argument as |r| = hi + lo and the sign of r, folded without a branch.
+struct Folded {
+    double hi, lo;
+    bool negative;
+};
+
+Folded fold(const Reduction& red)
+{
+    const std::uint64_t sign = bitsOf(red.hi) & (std::uint64_t{1} << 63);
+    return {fromBits(bitsOf(red.hi) ^ sign), fromBits(bitsOf(red.lo) ^ sign), sign != 0};
+}
+
+// sin |x| is sin r, cos r, -sin r, -cos r for quadrants 0 to 3, and cos |x| is sin(|x| + pi/2):
+// whether the quadrant q (plus one for the cosine) asks for cos r, and the estimate with its sign
+// (sin x = -sin |x|; cos x = cos |x|) and its bound.
+bool wantsCos(unsigned q) { return (q & 1) != 0; }
+
+Estimate withSign(Pair y, double error, unsigned q, bool negativeR, bool negativeX)
+{
+    const bool minus = (((q & 2) != 0) != (!wantsCos(q) && negativeR)) != negativeX;
+    const double bound = magnitude(y.hi) * kRelative + error;
+    return minus ? Estimate{-y.hi, -y.lo, bound} : Estimate{y.hi, y.lo, bound};
+}
+
+// The double nearest the estimate when its bound leaves no doubt (rounding to nearest is
+// monotonic, so both ends rounding alike settle it); the accurate path's answer otherwise.
+double settle(const Estimate& y, double x, bool cosine)
+{
+    const double up = y.hi + (y.lo + y.bound), down = y.hi + (y.lo - y.bound);
+    if (up != down) [[unlikely]]
+        return accurate(x, cosine);
+    return up;
+}
+
+// Below 2^-26, sin x = x (1 - d) with 0 < d < x^2/6 < 2^-54, short of the midpoint below x
+// (half a spacing is at least 2^-54 x); below 2^-27, cos x = 1 - d with 0 < d < x^2/2 < 2^-55,
+// short of the midpoint 1 - 2^-54.
+constexpr std::uint64_t kSineTiny = 0x3e50000000000000u, kCosineTiny = 0x3e40000000000000u;
+constexpr std::uint64_t kNotFinite = 0x7ff0000000000000u;
+constexpr std::uint64_t kMagnitudeBits = ~(std::uint64_t{1} << 63);
+
+double sineOrCosine(double x, bool cosine)
+{
+    const std::uint64_t abits = bitsOf(x) & kMagnitudeBits;
+    if (abits >= kNotFinite) // infinities and NaN
+        return x - x;
+    if (abits < (cosine ? kCosineTiny : kSineTiny))
+        return cosine ? 1.0 : x;
+    return settle(estimate(x, cosine), x, cosine);
+}
+
+SineCosine sineAndCosine(double x)
+{
+    const std::uint64_t abits = bitsOf(x) & kMagnitudeBits;
+    if (abits >= kNotFinite)
+        return {x - x, x - x};
+    if (abits < kSineTiny)
+        return {x, sineOrCosine(x, true)};
+    const Reduction red = reduceFast(magnitude(x));
+    const Folded r = fold(red);
+    const Split s = split(r.hi, r.lo);
+    const Pair sinR = sinOf(s), cosR = cosOf(s);
+    const unsigned qs = red.quadrant, qc = red.quadrant + 1;
+    return {settle(withSign(wantsCos(qs) ? cosR : sinR, red.error, qs, r.negative, x < 0), x, false),
+            settle(withSign(wantsCos(qc) ? cosR : sinR, red.error, qc, r.negative, false), x, true)};
+}
+} // namespace
+
+Estimate estimate(double x, bool cosine) noexcept
+{
+    const Reduction red = reduceFast(magnitude(x));
+    const Folded r = fold(red);
+    const unsigned q = red.quadrant + (cosine ? 1 : 0);
+    const Split s = split(r.hi, r.lo);
+    return withSign(wantsCos(q) ? cosOf(s) : sinOf(s), red.error, q, r.negative, !cosine && x < 0);
+}
+} // namespace quillon::trig
+
+namespace quillon {
+double sine(double x) noexcept { return trig::sineOrCosine(x, false); }
+double cosine(double x) noexcept { return trig::sineOrCosine(x, true); }
+SineCosine sineCosine(double x) noexcept { return trig::sineAndCosine(x); }
+} // namespace quillon

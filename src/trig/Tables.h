@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+// The constants of quillon::sine and quillon::cosine, written by tools/trig-tables from MPFR.
+#pragma once
+
+#include <cstdint>
+
+namespace quillon::trig {
+/// A value as an unevaluated sum hi + lo, |lo| <= ulp(hi) / 2.
+struct Pair {
+    double hi, lo;
+};
+
+/// 2/pi in 32-bit words, most significant first: word i is floor(2^(32 (i + 1)) * 2/pi) mod 2^32.
+extern const std::uint32_t kTwoOverPi[64];
+/// pi/2 in 32-bit words: word 0 the integer part (1), then the fraction, most significant first.
+extern const std::uint32_t kPiOverTwo[18];
+/// pi/2 split for reduction in double: 31, 31, 31 and 53 significant bits, off pi/2 by under 2^-146.
+extern const double kCody[4];
+
+/// sin(i/256) and cos(i/256): each the nearest double and its nearest remainder (hi + lo), and its
+/// leading 26 bits and the nearest double to the rest (lead + rest, for exact products).
+struct Row {
+    double sinHi, sinLo, sinLead, sinRest;
+    double cosHi, cosLo, cosLead, cosRest;
+};
+/// i = 0 to 204, just past pi/4.
+extern const Row kSinCos[205];
+} // namespace quillon::trig
