@@ -13,6 +13,14 @@
 #include <cstdint>
 #include <cstring>
 
+// The steps of the fast path are inlined into each entry point: as calls, they pass their
+// results through memory and cost a third of the time.
+#if defined(__GNUC__)
+#  define QUILLON_STEP [[gnu::always_inline]] inline
+#else
+#  define QUILLON_STEP inline
+#endif
+
 namespace quillon::trig {
 namespace {
 constexpr double kQuarterPi = 0x1.921fb54442d18p-1; // just below pi/4
@@ -21,31 +29,31 @@ constexpr double kCodyLimit = 0x1.8p+22; // below it |x| 2/pi rounds to at most 
 constexpr double kRound = 0x1.8p+52;     // adding and taking it away rounds to an integer
 constexpr double kRelative = 0x1p-66;    // the fast path's relative error bound (README.md)
 
-std::uint64_t bitsOf(double x)
+QUILLON_STEP std::uint64_t bitsOf(double x)
 {
     std::uint64_t b;
     std::memcpy(&b, &x, sizeof b);
     return b;
 }
 
-double fromBits(std::uint64_t b)
+QUILLON_STEP double fromBits(std::uint64_t b)
 {
     double x;
     std::memcpy(&x, &b, sizeof x);
     return x;
 }
 
-double magnitude(double x) { return x < 0 ? -x : x; }
+QUILLON_STEP double magnitude(double x) { return x < 0 ? -x : x; }
 
 // a + b exactly as s + e.
-Pair twoSum(double a, double b)
+QUILLON_STEP Pair twoSum(double a, double b)
 {
     const double s = a + b, bb = s - a;
     return {s, (a - (s - bb)) + (b - bb)};
 }
 
 // a + b exactly as s + e, for |a| >= |b| or a = 0.
-Pair fastTwoSum(double a, double b)
+QUILLON_STEP Pair fastTwoSum(double a, double b)
 {
     const double s = a + b;
     return {s, b - (s - a)};
@@ -81,22 +89,28 @@ struct Reduction {
     return {hi, lo, red.quadrant, magnitude(hi) * 0x1p-100};
 }
 
-Reduction reduceFast(double ax)
+QUILLON_STEP Reduction reduceFast(double ax)
 {
-    if (ax < kQuarterPi)
-        return {ax, 0.0, 0, 0.0};
-    if (ax < kCodyLimit) {
-        // k kCody[0..2] are exact (22 + 31 bits), and so is ax - k kCody[0] (the two lie within a
-        // factor of two); the two sums after it are exact. Left: pi/2 - sum(kCody) < 2^-159 times
-        // k, k kCody[3] rounded (2^-134), and the last sum's rounding (2^-106 |r| + 2^-146).
-        const double k = (ax * kTwoOverPiDouble + kRound) - kRound;
-        const double t = ax - k * kCody[0];
-        const Pair s1 = twoSum(t, -(k * kCody[1]));
-        const Pair s2 = twoSum(s1.hi, -(k * kCody[2]));
-        const double lo = (s1.lo + s2.lo) - k * kCody[3];
-        return {s2.hi, lo, static_cast<unsigned>(static_cast<std::int64_t>(k)) & 3, 0x1p-133};
+    if (ax >= kCodyLimit)
+        return reduceLarge(ax);
+    // k pi/2 taken away in parts whose products with k are exact, and so is ax - k C[0] (the two
+    // lie within a factor of two; below pi/4, k = 0 and r = ax exactly, with no branch for it).
+    const double k = (ax * kTwoOverPiDouble + kRound) - kRound;
+    const unsigned quadrant = static_cast<unsigned>(static_cast<std::int64_t>(k)) & 3;
+    if (k < 256.0) {
+        // 8 + 45 bits: one exact two-sum, then k kCodyShort[2] rounded (2^-138), k times what the
+        // parts leave of pi/2 (2^-139), and lo's rounding (2^-138 + 2^-106 |r|).
+        const double t = ax - k * kCodyShort[0];
+        const Pair s = twoSum(t, -(k * kCodyShort[1]));
+        return {s.hi, s.lo - k * kCodyShort[2], quadrant, 0x1p-132};
     }
-    return reduceLarge(ax);
+    // 22 + 31 bits: two exact two-sums, then k kCody[3] rounded (2^-134), k times what the parts
+    // leave (2^-137), and the two roundings of lo (2^-134 + 2^-104 |r|): 2^-132, the part
+    // relative to r in kRelative.
+    const double t = ax - k * kCody[0];
+    const Pair s1 = twoSum(t, -(k * kCody[1]));
+    const Pair s2 = twoSum(s1.hi, -(k * kCody[2]));
+    return {s2.hi, (s1.lo + s2.lo) - k * kCody[3], quadrant, 0x1p-132};
 }
 
 // sin r and cos r for 0 <= r = hi + lo <= pi/4 (and a little), each as a pair within 2^-66 of
@@ -106,67 +120,70 @@ Reduction reduceFast(double ax)
 // with the leading product exact (26 bits of the table times 26 bits of b) and its sum with the
 // table's value exact; the small terms in double. Split holds what both sums share.
 struct Split {
-    const Row* row;
+    const double (*row)[4]; // kSinCos[i]
     double b, bLead, bRest, lo, cosMinusOne, sinTail;
 };
 
-Split split(double hi, double lo)
+QUILLON_STEP Split split(double hi, double lo)
 {
     const double scaled = hi * 256.0 + kRound; // i = hi * 256 rounded, in the low bits
     const double ai = scaled - kRound;
     const double b = hi - ai * 0x1p-8; // exact: hi and i/256 lie within a factor of two
     const double c = 134217729.0 * b, bLead = c - (c - b); // b's leading 26 bits (Dekker's split)
-    const double bf = b + lo, z = bf * bf;
-    const double cosMinusOne = z * (-0.5 + z * (0x1.5555555555555p-5 + z * -0x1.6c16c16c16c17p-10));
-    const double sinTail = (bf * z) * (-0x1.5555555555555p-3 + z * (0x1.1111111111111p-7 + z * -0x1.a01a01a01a01ap-13));
-    return {&kSinCos[static_cast<unsigned>(bitsOf(scaled)) & 0xff], b, bLead, b - bLead, lo, cosMinusOne, sinTail};
+    // cos B - 1 = -z/2 + z^2/24 - z^3/720 and sin B - B = -B^3/6 + B^5/120 - B^7/5040, in pairs
+    // of terms evaluated side by side (the chain is what the time goes on).
+    const double bf = b + lo, z = bf * bf, z2 = z * z, b3 = bf * z;
+    const double cosMinusOne = z * -0.5 + z2 * (0x1.5555555555555p-5 + z * -0x1.6c16c16c16c17p-10);
+    const double sinTail = b3 * -0x1.5555555555555p-3 + (b3 * z) * (0x1.1111111111111p-7 + z * -0x1.a01a01a01a01ap-13);
+    return {kSinCos[static_cast<unsigned>(bitsOf(scaled)) & 0xff], b, bLead, b - bLead, lo, cosMinusOne, sinTail};
 }
 
-Pair sinOf(const Split& s)
+// sin r (which = 0) or cos r (which = 1): the table's columns and the sign of the second term are
+// picked by indexing, not by a branch, as the quadrant of a random argument is unpredictable.
+// (x - y and x + (-1) y are the same double.)
+QUILLON_STEP Pair sinOrCos(const Split& s, unsigned which)
 {
-    const Row& row = *s.row;
-    const Pair sum = twoSum(row.sinHi, row.cosLead * s.bLead);
-    const double small = ((row.sinLo + sum.lo) + row.sinHi * s.cosMinusOne) +
-                         (row.cosLead * s.bRest + (row.cosRest * s.b + row.cosHi * (s.lo + s.sinTail)));
-    return fastTwoSum(sum.hi, small);
+    static constexpr double kSign[2] = {1.0, -1.0};
+    const double* self = s.row[which];
+    const double* other = s.row[which ^ 1];
+    const double sign = kSign[which];
+    // |self[kHi]| >= |the product| (sin a >= sin(1/256) > 2^-9 >= |b|, or sin a = 0; cos a > 0.7),
+    // so the fast two-sum is exact.
+    const Pair sum = fastTwoSum(self[kHi], sign * (other[kLead] * s.bLead));
+    // The terms known early, then those that wait for the polynomials.
+    const double early = (self[kLo] + sum.lo) + sign * (other[kLead] * s.bRest + (other[kRest] * s.b + other[kHi] * s.lo));
+    const double late = self[kHi] * s.cosMinusOne + sign * (other[kHi] * s.sinTail);
+    return fastTwoSum(sum.hi, early + late);
 }
 
-Pair cosOf(const Split& s)
-{
-    const Row& row = *s.row;
-    const Pair sum = twoSum(row.cosHi, -(row.sinLead * s.bLead));
-    const double small = ((row.cosLo + sum.lo) + row.cosHi * s.cosMinusOne) -
-                         (row.sinLead * s.bRest + (row.sinRest * s.b + row.sinHi * (s.lo + s.sinTail)));
-    return fastTwoSum(sum.hi, small);
-}
-
-// The reduced argument as |r| = hi + lo and the sign of r, folded without a branch.
+// The reduced argument as |r| = hi + lo and the sign of r.
 struct Folded {
     double hi, lo;
     bool negative;
 };
 
-Folded fold(const Reduction& red)
+QUILLON_STEP Folded fold(const Reduction& red)
 {
-    const std::uint64_t sign = bitsOf(red.hi) & (std::uint64_t{1} << 63);
-    return {fromBits(bitsOf(red.hi) ^ sign), fromBits(bitsOf(red.lo) ^ sign), sign != 0};
+    const bool negative = red.hi < 0;
+    const double sign = negative ? -1.0 : 1.0;
+    return {red.hi * sign, red.lo * sign, negative};
 }
 
 // sin |x| is sin r, cos r, -sin r, -cos r for quadrants 0 to 3, and cos |x| is sin(|x| + pi/2):
 // whether the quadrant q (plus one for the cosine) asks for cos r, and the estimate with its sign
 // (sin x = -sin |x|; cos x = cos |x|) and its bound.
-bool wantsCos(unsigned q) { return (q & 1) != 0; }
+QUILLON_STEP unsigned wantsCos(unsigned q) { return q & 1; }
 
-Estimate withSign(Pair y, double error, unsigned q, bool negativeR, bool negativeX)
+QUILLON_STEP Estimate withSign(Pair y, double error, unsigned q, bool negativeR, bool negativeX)
 {
-    const bool minus = (((q & 2) != 0) != (!wantsCos(q) && negativeR)) != negativeX;
-    const double bound = magnitude(y.hi) * kRelative + error;
-    return minus ? Estimate{-y.hi, -y.lo, bound} : Estimate{y.hi, y.lo, bound};
+    const bool minus = (((q & 2) != 0) != (wantsCos(q) == 0 && negativeR)) != negativeX;
+    const double sign = minus ? -1.0 : 1.0;
+    return {y.hi * sign, y.lo * sign, magnitude(y.hi) * kRelative + error};
 }
 
 // The double nearest the estimate when its bound leaves no doubt (rounding to nearest is
 // monotonic, so both ends rounding alike settle it); the accurate path's answer otherwise.
-double settle(const Estimate& y, double x, bool cosine)
+QUILLON_STEP double settle(const Estimate& y, double x, bool cosine)
 {
     const double up = y.hi + (y.lo + y.bound), down = y.hi + (y.lo - y.bound);
     if (up != down) [[unlikely]]
@@ -181,17 +198,26 @@ constexpr std::uint64_t kSineTiny = 0x3e50000000000000u, kCosineTiny = 0x3e40000
 constexpr std::uint64_t kNotFinite = 0x7ff0000000000000u;
 constexpr std::uint64_t kMagnitudeBits = ~(std::uint64_t{1} << 63);
 
-double sineOrCosine(double x, bool cosine)
+QUILLON_STEP Estimate estimateInline(double x, bool cosine)
+{
+    const Reduction red = reduceFast(magnitude(x));
+    const Folded r = fold(red);
+    const unsigned q = red.quadrant + (cosine ? 1 : 0);
+    const Split s = split(r.hi, r.lo);
+    return withSign(sinOrCos(s, wantsCos(q)), red.error, q, r.negative, !cosine && x < 0);
+}
+
+QUILLON_STEP double sineOrCosine(double x, bool cosine)
 {
     const std::uint64_t abits = bitsOf(x) & kMagnitudeBits;
     if (abits >= kNotFinite) // infinities and NaN
         return x - x;
     if (abits < (cosine ? kCosineTiny : kSineTiny))
         return cosine ? 1.0 : x;
-    return settle(estimate(x, cosine), x, cosine);
+    return settle(estimateInline(x, cosine), x, cosine);
 }
 
-SineCosine sineAndCosine(double x)
+QUILLON_STEP SineCosine sineAndCosine(double x)
 {
     const std::uint64_t abits = bitsOf(x) & kMagnitudeBits;
     if (abits >= kNotFinite)
@@ -201,21 +227,13 @@ SineCosine sineAndCosine(double x)
     const Reduction red = reduceFast(magnitude(x));
     const Folded r = fold(red);
     const Split s = split(r.hi, r.lo);
-    const Pair sinR = sinOf(s), cosR = cosOf(s);
     const unsigned qs = red.quadrant, qc = red.quadrant + 1;
-    return {settle(withSign(wantsCos(qs) ? cosR : sinR, red.error, qs, r.negative, x < 0), x, false),
-            settle(withSign(wantsCos(qc) ? cosR : sinR, red.error, qc, r.negative, false), x, true)};
+    return {settle(withSign(sinOrCos(s, wantsCos(qs)), red.error, qs, r.negative, x < 0), x, false),
+            settle(withSign(sinOrCos(s, wantsCos(qc)), red.error, qc, r.negative, false), x, true)};
 }
 } // namespace
 
-Estimate estimate(double x, bool cosine) noexcept
-{
-    const Reduction red = reduceFast(magnitude(x));
-    const Folded r = fold(red);
-    const unsigned q = red.quadrant + (cosine ? 1 : 0);
-    const Split s = split(r.hi, r.lo);
-    return withSign(wantsCos(q) ? cosOf(s) : sinOf(s), red.error, q, r.negative, !cosine && x < 0);
-}
+Estimate estimate(double x, bool cosine) noexcept { return estimateInline(x, cosine); }
 } // namespace quillon::trig
 
 namespace quillon {

@@ -16,13 +16,12 @@ extern const std::uint32_t kTwoOverPi[64];
 extern const std::uint32_t kPiOverTwo[18];
 /// pi/2 split for reduction in double: 31, 31, 31 and 53 significant bits, off pi/2 by under 2^-146.
 extern const double kCody[4];
+/// pi/2 split for reduction by k < 2^8: 45, 45 and 53 significant bits, off pi/2 by under 2^-143.
+extern const double kCodyShort[3];
 
-/// sin(i/256) and cos(i/256): each the nearest double and its nearest remainder (hi + lo), and its
-/// leading 26 bits and the nearest double to the rest (lead + rest, for exact products).
-struct Row {
-    double sinHi, sinLo, sinLead, sinRest;
-    double cosHi, cosLo, cosLead, cosRest;
-};
-/// i = 0 to 204, just past pi/4.
-extern const Row kSinCos[205];
+/// sin(i/256) and cos(i/256) for i = 0 to 204 (just past pi/4): [i][0] the sine, [i][1] the
+/// cosine, each as {hi, lo, lead, rest}: the nearest double and its nearest remainder (hi + lo), and
+/// its leading 26 bits and the nearest double to the rest (lead + rest, for exact products).
+extern const double kSinCos[205][2][4];
+enum TableColumn { kHi, kLo, kLead, kRest };
 } // namespace quillon::trig

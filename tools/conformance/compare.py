@@ -2,13 +2,15 @@
 # SPDX-License-Identifier: MIT
 """Runs the conformance battery of several builds and compares their result bits.
 
-usage: compare.py NAME=LIBC:COMMAND [NAME=LIBC:COMMAND ...]
-  e.g. gcc=glibc:build/native/tests/quillon_conformance
-       mingw-x64=msvcrt:"wine64 build/mingw-x64/bin/quillon_conformance.exe"
+usage: compare.py NAME=TRIG:COMMAND [NAME=TRIG:COMMAND ...]
+  TRIG names where the build's rotations take sin and cos: "quillon" for the library's own, or the
+  C library whose functions it calls ("glibc", "msvcrt").
+  e.g. gcc=quillon:build/native/tests/quillon_conformance
+       mingw-x64=quillon:"wine64 build/mingw-x64/bin/quillon_conformance.exe"
 
 Every family must agree between all builds, except the families fed through sin and cos ("trig"):
-those must agree between builds that share a C library, and across C libraries the number of
-differing results is reported. Exit status 1 on any disagreement that is not allowed."""
+those must agree between builds that take sin and cos from the same place, and otherwise the number
+of differing results is reported. Exit status 1 on any disagreement that is not allowed."""
 import os
 import shlex
 import subprocess
@@ -18,12 +20,12 @@ import tempfile
 builds = []
 for arg in sys.argv[1:]:
     name, rest = arg.split('=', 1)
-    libc, command = rest.split(':', 1)
-    builds.append((name, libc, command))
+    trig_source, command = rest.split(':', 1)
+    builds.append((name, trig_source, command))
 
 results = {}
 with tempfile.TemporaryDirectory() as tmp:
-    for name, libc, command in builds:
+    for name, trig_source, command in builds:
         out = os.path.join(tmp, name)
         os.mkdir(out)
         argv = shlex.split(command)
@@ -39,13 +41,13 @@ with tempfile.TemporaryDirectory() as tmp:
         for entry in sorted(os.listdir(out)):
             with open(os.path.join(out, entry)) as f:
                 families[entry[:-4]] = f.read().split()
-        results[name] = (libc, families, proc.stdout)
+        results[name] = (trig_source, families, proc.stdout)
 
-reference, (ref_libc, ref_families, ref_digests) = next(iter(results.items()))
+reference, (ref_source, ref_families, ref_digests) = next(iter(results.items()))
 print(f'conformance digests of {reference}:')
 print(ref_digests.rstrip())
 failed = False
-for name, (libc, families, _) in list(results.items())[1:]:
+for name, (source, families, _) in list(results.items())[1:]:
     for family, hashes in ref_families.items():
         other = families.get(family)
         if other is None or len(other) != len(hashes):
@@ -56,12 +58,12 @@ for name, (libc, families, _) in list(results.items())[1:]:
         trig = 'trig' in family
         if differing == 0:
             continue
-        if trig and libc != ref_libc:
-            print(f'{name} ({libc}) vs {reference} ({ref_libc}): {family}: {differing} of {len(hashes)} '
-                  f'results differ, from the C libraries\' sin and cos')
+        if trig and source != ref_source:
+            print(f'{name} ({source}) vs {reference} ({ref_source}): {family}: {differing} of {len(hashes)} '
+                  f'results differ, from their sin and cos')
         else:
             print(f'{name} vs {reference}: {family}: {differing} of {len(hashes)} results DIFFER')
             failed = True
     if not failed:
-        print(f'{name} ({libc}): every other family agrees bit for bit with {reference}')
+        print(f'{name} ({source}): every other family agrees bit for bit with {reference}')
 sys.exit(1 if failed else 0)

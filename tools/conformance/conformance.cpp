@@ -3,10 +3,11 @@
 // combination of element types, printing a 64-bit digest of all result bits per family and one
 // over all families. Two builds that print the same digests computed the same bits.
 //
-// Families fed through sin and cos ("trig" in their name) depend on the C library's sin and cos,
-// which differ between C libraries in the last bit for a small share of angles; with --dump DIR
-// each family's per-result hashes are written to DIR/<family>.txt so that two builds can count the
-// results that differ.
+// Families fed through sin and cos ("trig" in their name) are the same in every build that uses
+// the library's own sine and cosine; where rotations take the C library's (Quillon.dll, or a build
+// with QUILLON_PLATFORM_TRIG), they differ in the last bit for a small share of angles. With
+// --dump DIR each family's per-result hashes are written to DIR/<family>.txt so that two builds can
+// count the results that differ.
 //
 // NaN payloads are not part of the contract (which NaN an operation returns depends on operand
 // order the compiler may choose), so every NaN is hashed as one canonical NaN.

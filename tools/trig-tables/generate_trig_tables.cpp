@@ -70,9 +70,16 @@ int main()
     std::printf("// |pi/2 - (kCody[0] + kCody[1] + kCody[2] + kCody[3])| = %.3e < 2^%ld\n\n", mpfr_get_d(v, MPFR_RNDN),
                 (long)mpfr_get_exp(v));
 
+    // For k < 2^8: pi/2 = kCodyShort[0] + kCodyShort[1] + kCodyShort[2] + d, 45, 45 and 53 bits.
+    mpfr_div_2ui(v, pi, 1, MPFR_RNDN);
+    const double d1 = peel(v, 45), d2 = peel(v, 45), d3 = peel(v, 53);
+    std::printf("const double kCodyShort[3] = {%a, %a, %a};\n", d1, d2, d3);
+    std::printf("// |pi/2 - (kCodyShort[0] + kCodyShort[1] + kCodyShort[2])| = %.3e < 2^%ld\n\n",
+                mpfr_get_d(v, MPFR_RNDN), (long)mpfr_get_exp(v));
+
     // Each row: sin(i/256) as hi + lo, and as its leading 26 bits plus the nearest double to the
     // rest; then the same for cos(i/256).
-    std::printf("const Row kSinCos[%d] = {\n", kTableLast + 1);
+    std::printf("const double kSinCos[%d][2][4] = {\n", kTableLast + 1);
     for (int i = 0; i <= kTableLast; ++i) {
         mpfr_set_ui(a, (unsigned long)i, MPFR_RNDN);
         mpfr_div_2ui(a, a, 8, MPFR_RNDN);
@@ -83,7 +90,7 @@ int main()
             const double hi = peel(v, 53), lo = peel(v, 53);
             mpfr_set(v, f, MPFR_RNDN);
             const double lead = peel(v, 26), rest = peel(v, 53);
-            std::printf("%a, %a, %a, %a%s", hi, lo, lead, rest, f == s ? ", " : "");
+            std::printf("{%a, %a, %a, %a}%s", hi, lo, lead, rest, f == s ? ", " : "");
         }
         std::printf("},\n");
     }
