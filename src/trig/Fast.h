@@ -4,7 +4,7 @@
 #pragma once
 
 namespace quillon::trig {
-/// sin x or cos x lies within `bound` of hi + lo (lo the smaller part).
+/// sin x or cos x lies within `bound` of hi + lo (|lo| < 2^-16 |hi|; the pair is not normalized).
 struct Estimate {
     double hi, lo, bound;
 };

@@ -126,16 +126,15 @@ struct Split {
 
 QUILLON_STEP Split split(double hi, double lo)
 {
-    const double scaled = hi * 256.0 + kRound; // i = hi * 256 rounded, in the low bits
-    const double ai = scaled - kRound;
-    const double b = hi - ai * 0x1p-8; // exact: hi and i/256 lie within a factor of two
+    const double rounded = hi + 0x1.8p+44; // a = hi rounded to a multiple of 2^-8 = i/256, i in the low bits
+    const double b = hi - (rounded - 0x1.8p+44); // exact: hi and a lie within a factor of two
     const double c = 134217729.0 * b, bLead = c - (c - b); // b's leading 26 bits (Dekker's split)
     // cos B - 1 = -z/2 + z^2/24 - z^3/720 and sin B - B = -B^3/6 + B^5/120 - B^7/5040, in pairs
     // of terms evaluated side by side (the chain is what the time goes on).
     const double bf = b + lo, z = bf * bf, z2 = z * z, b3 = bf * z;
     const double cosMinusOne = z * -0.5 + z2 * (0x1.5555555555555p-5 + z * -0x1.6c16c16c16c17p-10);
     const double sinTail = b3 * -0x1.5555555555555p-3 + (b3 * z) * (0x1.1111111111111p-7 + z * -0x1.a01a01a01a01ap-13);
-    return {kSinCos[static_cast<unsigned>(bitsOf(scaled)) & 0xff], b, bLead, b - bLead, lo, cosMinusOne, sinTail};
+    return {kSinCos[static_cast<unsigned>(bitsOf(rounded)) & 0xff], b, bLead, b - bLead, lo, cosMinusOne, sinTail};
 }
 
 // sin r (which = 0) or cos r (which = 1): the table's columns and the sign of the second term are
@@ -153,7 +152,7 @@ QUILLON_STEP Pair sinOrCos(const Split& s, unsigned which)
     // The terms known early, then those that wait for the polynomials.
     const double early = (self[kLo] + sum.lo) + sign * (other[kLead] * s.bRest + (other[kRest] * s.b + other[kHi] * s.lo));
     const double late = self[kHi] * s.cosMinusOne + sign * (other[kHi] * s.sinTail);
-    return fastTwoSum(sum.hi, early + late);
+    return {sum.hi, early + late}; // left unnormalized: the rounding test takes it as it is
 }
 
 // The reduced argument as |r| = hi + lo and the sign of r.
@@ -170,25 +169,27 @@ QUILLON_STEP Folded fold(const Reduction& red)
 }
 
 // sin |x| is sin r, cos r, -sin r, -cos r for quadrants 0 to 3, and cos |x| is sin(|x| + pi/2):
-// whether the quadrant q (plus one for the cosine) asks for cos r, and the estimate with its sign
-// (sin x = -sin |x|; cos x = cos |x|) and its bound.
+// whether the quadrant q (plus one for the cosine) asks for cos r, and the sign the result takes
+// (sin x = -sin |x|; cos x = cos |x|), applied after the rounding test, off its chain.
 QUILLON_STEP unsigned wantsCos(unsigned q) { return q & 1; }
 
-QUILLON_STEP Estimate withSign(Pair y, double error, unsigned q, bool negativeR, bool negativeX)
+QUILLON_STEP double signOf(unsigned q, bool negativeR, bool negativeX)
 {
     const bool minus = (((q & 2) != 0) != (wantsCos(q) == 0 && negativeR)) != negativeX;
-    const double sign = minus ? -1.0 : 1.0;
-    return {y.hi * sign, y.lo * sign, magnitude(y.hi) * kRelative + error};
+    return minus ? -1.0 : 1.0;
 }
 
+QUILLON_STEP Estimate bounded(Pair y, double error) { return {y.hi, y.lo, magnitude(y.hi) * kRelative + error}; }
+
 // The double nearest the estimate when its bound leaves no doubt (rounding to nearest is
-// monotonic, so both ends rounding alike settle it); the accurate path's answer otherwise.
-QUILLON_STEP double settle(const Estimate& y, double x, bool cosine)
+// monotonic, so both ends rounding alike settle it), with its sign; the accurate path's answer
+// otherwise.
+QUILLON_STEP double settle(const Estimate& y, double sign, double x, bool cosine)
 {
     const double up = y.hi + (y.lo + y.bound), down = y.hi + (y.lo - y.bound);
     if (up != down) [[unlikely]]
         return accurate(x, cosine);
-    return up;
+    return up * sign;
 }
 
 // Below 2^-26, sin x = x (1 - d) with 0 < d < x^2/6 < 2^-54, short of the midpoint below x
@@ -198,13 +199,19 @@ constexpr std::uint64_t kSineTiny = 0x3e50000000000000u, kCosineTiny = 0x3e40000
 constexpr std::uint64_t kNotFinite = 0x7ff0000000000000u;
 constexpr std::uint64_t kMagnitudeBits = ~(std::uint64_t{1} << 63);
 
-QUILLON_STEP Estimate estimateInline(double x, bool cosine)
+// The estimate of sin |x| or cos |x|, and the sign of the result.
+struct Unsigned {
+    Estimate estimate;
+    double sign;
+};
+
+QUILLON_STEP Unsigned estimateInline(double x, bool cosine)
 {
     const Reduction red = reduceFast(magnitude(x));
     const Folded r = fold(red);
     const unsigned q = red.quadrant + (cosine ? 1 : 0);
     const Split s = split(r.hi, r.lo);
-    return withSign(sinOrCos(s, wantsCos(q)), red.error, q, r.negative, !cosine && x < 0);
+    return {bounded(sinOrCos(s, wantsCos(q)), red.error), signOf(q, r.negative, !cosine && x < 0)};
 }
 
 QUILLON_STEP double sineOrCosine(double x, bool cosine)
@@ -214,7 +221,8 @@ QUILLON_STEP double sineOrCosine(double x, bool cosine)
         return x - x;
     if (abits < (cosine ? kCosineTiny : kSineTiny))
         return cosine ? 1.0 : x;
-    return settle(estimateInline(x, cosine), x, cosine);
+    const Unsigned y = estimateInline(x, cosine);
+    return settle(y.estimate, y.sign, x, cosine);
 }
 
 QUILLON_STEP SineCosine sineAndCosine(double x)
@@ -228,12 +236,16 @@ QUILLON_STEP SineCosine sineAndCosine(double x)
     const Folded r = fold(red);
     const Split s = split(r.hi, r.lo);
     const unsigned qs = red.quadrant, qc = red.quadrant + 1;
-    return {settle(withSign(sinOrCos(s, wantsCos(qs)), red.error, qs, r.negative, x < 0), x, false),
-            settle(withSign(sinOrCos(s, wantsCos(qc)), red.error, qc, r.negative, false), x, true)};
+    return {settle(bounded(sinOrCos(s, wantsCos(qs)), red.error), signOf(qs, r.negative, x < 0), x, false),
+            settle(bounded(sinOrCos(s, wantsCos(qc)), red.error), signOf(qc, r.negative, false), x, true)};
 }
 } // namespace
 
-Estimate estimate(double x, bool cosine) noexcept { return estimateInline(x, cosine); }
+Estimate estimate(double x, bool cosine) noexcept
+{
+    const Unsigned y = estimateInline(x, cosine);
+    return {y.estimate.hi * y.sign, y.estimate.lo * y.sign, y.estimate.bound};
+}
 } // namespace quillon::trig
 
 namespace quillon {
