@@ -728,25 +728,17 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode)
     return true;
 }
 
-// Adds without a limit; a region whose coordinates wrapped leaves the canonical form.
+// The moved bounding box is checked first, in 64 bits: every rectangle lies inside it, so once it
+// fits the range no coordinate can pass 32 bits, and a refused move has touched nothing.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy)
 {
-    int n = 0;
-    const Box* b = region.boxes(n);
-    if (n == 0 || (dx == 0 && dy == 0)) return true;
-    std::vector<Box> moved(b, b + n);
-    bool overflow = false;
-    auto add = [&overflow](std::int32_t v, std::int32_t by) {
-        std::int64_t s = std::int64_t(v) + by;
-        overflow |= s != wrap(s);
-        return wrap(s);
-    };
-    for (Box& m : moved) m = Box{add(m.x1, dx), add(m.y1, dy), add(m.x2, dx), add(m.y2, dy)};
-    Box bound = region.bound();
-    bound = Box{add(bound.x1, dx), add(bound.y1, dy), add(bound.x2, dx), add(bound.y2, dy)};
-    const bool wasWrapped = region.wrapped;
-    if (!region.assign(moved.data(), moved.size(), bound)) return false;
-    region.wrapped = wasWrapped || (overflow && !isCanonical(region));
+    if (region.count() == 0) return true;
+    const Box e = region.bound();
+    auto fits = [](std::int64_t v) { return v >= kMinCoordinate && v <= kMaxCoordinate; };
+    if (!fits(std::int64_t(e.x1) + dx) || !fits(std::int64_t(e.x2) + dx) ||
+        !fits(std::int64_t(e.y1) + dy) || !fits(std::int64_t(e.y2) + dy))
+        return false;
+    pixman_region32_translate(region.get(), dx, dy);
     return true;
 }
 

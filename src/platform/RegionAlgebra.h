@@ -20,9 +20,8 @@
  *    empty region, which holds no rectangle.
  *
  * GetRegionData returns the rectangles in exactly this order. The set operations are pixman's
- * band algebra, which keeps this form. Coordinates are 32-bit and wrap: OffsetRgn adds without a
- * limit, as the platform does, and a region whose coordinates wrapped is kept as it is, outside
- * the form (it is then only read back and tested as the platform would). Past 2^24 rectangles
+ * band algebra, which keeps this form. Coordinates are 32-bit; OffsetRgn moves a region no
+ * further than the platform's 27-bit range, so no coordinate ever wraps. Past 2^24 rectangles
  * no operation makes or changes a region. Debug builds check the form after every operation.
  */
 #pragma once
@@ -50,6 +49,11 @@ constexpr std::int32_t wrap(std::int64_t v) noexcept
 // The most rectangles a region may hold. Every operation that makes or changes a region checks
 // it before it allocates, and one that would pass it fails as an allocation failure would.
 constexpr std::size_t kMaxRects = std::size_t(1) << 24;
+
+// The platform keeps region coordinates within 27 bits, and OffsetRgn moves no region past them.
+// The rectangles made by the other operations keep whatever 32-bit coordinates they were given.
+constexpr std::int64_t kMinCoordinate = -(std::int64_t(1) << 27);
+constexpr std::int64_t kMaxCoordinate = (std::int64_t(1) << 27) - 1;
 
 class Region {
 public:
@@ -217,8 +221,9 @@ void setRect(Region& region, const Box& b) noexcept;
 // dest = a (mode) b, mode one of RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF and RGN_COPY. On any failure
 // (a result over the rectangle limit among them) dest is left as it was.
 bool combine(Region& dest, const Region& a, const Region& b, int mode);
-// Moves the region; adds without a limit, and a region whose coordinates wrapped leaves the
-// canonical form.
+// Moves the region, or returns false and leaves it as it was when an edge of its moved bounding
+// box (right and bottom included) would fall outside [kMinCoordinate, kMaxCoordinate]. An empty
+// region moves by anything.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy);
 // The rectangles of one region in the canonical form, held elsewhere.
 struct BoxRun {
