@@ -81,15 +81,13 @@ public:
     {
         pixman_region32_fini(&r_);
         pixman_region32_init(&r_);
-        wrapped = false;
     }
-    // One rectangle, taken as it is (pixman would refuse one that wrapped).
+    // One rectangle, taken as it is.
     void setBox(const Box& b) noexcept
     {
         pixman_region32_fini(&r_);
         r_.extents = b;
         r_.data = nullptr;
-        wrapped = false;
     }
     // Takes the rectangles as they are, already in order, with the given bounding box.
     bool assign(const Box* boxes, std::size_t n, const Box& bound) noexcept
@@ -111,7 +109,6 @@ public:
         pixman_region32_fini(&r_);
         r_.extents = bound;
         r_.data = data;
-        wrapped = false;
         return true;
     }
     // Takes over a block of at least two rectangles in order, with the given bounding box.
@@ -120,24 +117,14 @@ public:
         pixman_region32_fini(&r_);
         r_.extents = bound;
         r_.data = data;
-        wrapped = false;
     }
     bool copyFrom(const Region& other) noexcept
     {
         if (&other == this) return true;
-        if (!pixman_region32_copy(&r_, const_cast<pixman_region32_t*>(&other.r_))) return false;
-        wrapped = other.wrapped;
-        return true;
+        return pixman_region32_copy(&r_, const_cast<pixman_region32_t*>(&other.r_));
     }
 
-    void swap(Region& other) noexcept
-    {
-        std::swap(r_, other.r_);
-        std::swap(wrapped, other.wrapped);
-    }
-
-    // True once an offset has wrapped a coordinate and left the canonical form.
-    bool wrapped = false;
+    void swap(Region& other) noexcept { std::swap(r_, other.r_); }
 
 private:
     pixman_region32_t r_;
@@ -150,7 +137,7 @@ bool isCanonical(const Region& region) noexcept;
 inline void checkForm(const Region& region, const char* operation) noexcept
 {
 #ifndef NDEBUG
-    if (!region.wrapped && !isCanonical(region)) {
+    if (!isCanonical(region)) {
         std::fprintf(stderr, "quillon_region: %s left a region outside the canonical form\n",
                      operation);
         std::abort();
