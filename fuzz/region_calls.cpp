@@ -27,9 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         live[s] = h != nullptr;
     };
     // Every call costs in proportion to its operands and its result, but 64 steps that each double
-    // a region (a region joined with itself moved, or one whose coordinates wrapped combined with
-    // itself) make millions of rectangles that are slow only for their number. A region past 2^16
-    // rectangles is let go after the step that made it.
+    // a region (a region joined with itself moved) make millions of rectangles that are slow only
+    // for their number. A region past 2^16 rectangles is let go after the step that made it.
     auto large = [&](int s) { return live[s] && GetRegionData(slot[s], 0, nullptr) > 32 + 16 * 65536; };
     // And one combine of regions of thousands of bands can make millions: each stretch between the
     // operands' band edges holds at most the rectangles of both bands there. A combine whose bound

@@ -36,6 +36,16 @@ std::vector<CorpusCase> loadCorpus()
     return cases;
 }
 
+// A command of a case whose recorded answer is not the one expected here: the case, the command,
+// what the recording holds for it (checked, so that a new recording is looked at again) and what
+// is printed here. A case's entries apply, in their order, to the next line that is their command.
+struct Replacement {
+    const char* caseName;
+    const char* command;
+    std::vector<std::string> recorded;
+    std::vector<std::string> here;
+};
+
 // Where the platform's answer is unsafe, the region layer gives the safe one instead:
 //  - ExtCreateRegion with a byte count too small for the rectangles its header announces reads
 //    past the caller's buffer there; here it fails.
@@ -43,18 +53,9 @@ std::vector<CorpusCase> loadCorpus()
 //    rectangles that are no region (a left beyond its right, rectangles outside the bounding box,
 //    in a larger case a hundred million of them). Here a lone point adds nothing, as it does
 //    where it comes last.
-// Each entry: the case, the command, what the platform printed for it (checked, so that a new
-// recording is looked at again) and what is printed here.
-struct SafeAnswer {
-    const char* caseName;
-    const char* command;
-    std::vector<std::string> platform;
-    std::vector<std::string> here;
-};
-
-const std::vector<SafeAnswer>& safeAnswers()
+const std::vector<Replacement>& safeAnswers()
 {
-    static const std::vector<SafeAnswer> answers = {
+    static const std::vector<Replacement> answers = {
         {"ext headers", "extraw 3 32 1 1 0 1 2 11 12", {"= 1"}, {"= 0"}},
         {"ext headers", "data 3",
          {"= size 48 48", "= got 48 hdr 32 1 1 16 1 2 11 12 small 0", "= rects 1 2 11 12"},
@@ -81,26 +82,78 @@ const std::vector<SafeAnswer>& safeAnswers()
     return answers;
 }
 
-// The platform's transcript with the safe answers put in (on Windows, where the platform's own
-// functions run, as it is); fails the test if a listed command printed something else than listed.
+// What "data" prints for a region of one rectangle.
+std::vector<std::string> oneRectangle(const std::string& ltrb)
+{
+    return {"= size 48 48", "= got 48 hdr 32 1 1 16 " + ltrb + " small 0", "= rects " + ltrb};
+}
+
+// Where the recording is not the platform's answer. The recorder runs under Wine, whose OffsetRgn
+// moves a region past the platform's coordinate range, -2^27 to 2^27 - 1, and wraps its
+// coordinates past 32 bits. The platform refuses such a move: ERROR, and the region stays where
+// it was, as it does here. On Windows, where these tests run under Wine too, the cases are left out.
+const std::vector<Replacement>& platformAnswers()
+{
+    static const std::vector<Replacement> answers = {
+        {"offset to the limits", "offset 0 2147483642 -2147483643", {"= 2"}, {"= 0"}},
+        {"offset to the limits", "data 0", oneRectangle("2147483637 -2147483648 2147483647 -2147483638"),
+         oneRectangle("-5 -5 5 5")},
+        {"offset to the limits", "box 0", {"= 2 2147483637 -2147483648 2147483647 -2147483638"},
+         {"= 2 -5 -5 5 5"}},
+        {"offset to the limits", "pt 0 2147483646 -2147483648", {"= 1"}, {"= 0"}},
+        {"offset to the limits", "offset 0 -2147483643 2147483642", {"= 2"}, {"= 0"}},
+        {"offset to the limits", "data 0", oneRectangle("-6 -6 4 4"), oneRectangle("-5 -5 5 5")},
+        {"offset past the limits", "offset 0 2147483642 0", {"= 2"}, {"= 0"}},
+        {"offset past the limits", "data 0", oneRectangle("2147483642 0 -2147483644 10"),
+         oneRectangle("0 0 10 10")},
+        {"offset past the limits", "box 0", {"= 2 2147483642 0 -2147483644 10"}, {"= 2 0 0 10 10"}},
+        {"offset past the limits", "offset 1 -2147483648 0", {"= 2"}, {"= 0"}},
+        {"offset past the limits", "data 1", oneRectangle("2147483643 0 -2147483638 10"),
+         oneRectangle("-5 0 10 10")},
+        {"offset past the limits", "offset 2 2147483647 0", {"= 2"}, {"= 0"}},
+        {"offset past the limits", "data 2", oneRectangle("-2147483644 -5 -2147483634 5"),
+         oneRectangle("5 -5 15 5")},
+        {"offset past the limits", "box 2", {"= 2 -2147483644 -5 -2147483634 5"}, {"= 2 5 -5 15 5"}},
+        {"offset past the limits", "rin 2 0 0 100 100", {"= 0"}, {"= 1"}},
+    };
+    return answers;
+}
+
+#if defined(_WIN32)
+bool hasPlatformAnswers(const CorpusCase& c)
+{
+    for (const Replacement& a : platformAnswers())
+        if (c.name == a.caseName) return true;
+    return false;
+}
+#endif
+
+// The recorded transcript with the replacements put in (on Windows, where the platform's own
+// functions run, the unsafe answers as they are); fails the test if a listed command printed
+// something else than listed, or a listed command was not met.
 std::vector<std::string> expectedHere(const CorpusCase& c)
 {
+    std::vector<const Replacement*> todo; // this case's entries, in order
+    for (const auto* list : {&safeAnswers(), &platformAnswers()})
+        for (const Replacement& a : *list)
+            if (c.name == a.caseName) todo.push_back(&a);
+    std::size_t next = 0;
     std::vector<std::string> out;
     const auto& t = c.transcript;
     for (std::size_t i = 0; i < t.size(); ++i) {
         out.push_back(t[i]);
-        for (const SafeAnswer& a : safeAnswers()) {
-            if (c.name != a.caseName || t[i] != a.command) continue;
-            std::vector<std::string> printed;
-            while (i + 1 < t.size() && t[i + 1].rfind("= ", 0) == 0) printed.push_back(t[++i]);
-            EXPECT_EQ(printed, a.platform) << c.name << ": " << a.command;
+        if (next == todo.size() || t[i] != todo[next]->command) continue;
+        const Replacement& a = *todo[next++];
+        std::vector<std::string> printed;
+        while (i + 1 < t.size() && t[i + 1].rfind("= ", 0) == 0) printed.push_back(t[++i]);
+        EXPECT_EQ(printed, a.recorded) << c.name << ": " << a.command;
 #if defined(_WIN32) // the platform's own functions give the platform's answer
-            out.insert(out.end(), printed.begin(), printed.end());
+        out.insert(out.end(), printed.begin(), printed.end());
 #else
-            out.insert(out.end(), a.here.begin(), a.here.end());
+        out.insert(out.end(), a.here.begin(), a.here.end());
 #endif
-        }
     }
+    EXPECT_EQ(next, todo.size()) << c.name << ": a listed command was not met";
     return out;
 }
 
@@ -121,8 +174,14 @@ TEST(RegionCorpus, EveryCaseGivesThePlatformsResults)
 {
     const std::vector<CorpusCase> cases = loadCorpus();
     ASSERT_GE(cases.size(), 300u) << "the corpus in tests/data could not be read";
-    int matched = 0;
+    int matched = 0, leftOut = 0;
     for (const CorpusCase& c : cases) {
+#if defined(_WIN32)
+        if (hasPlatformAnswers(c)) {
+            ++leftOut;
+            continue;
+        }
+#endif
         const std::vector<std::string> got = replay(c);
         const std::vector<std::string> want = expectedHere(c);
         if (got == want) {
@@ -136,7 +195,7 @@ TEST(RegionCorpus, EveryCaseGivesThePlatformsResults)
                       << "\n  here:     " << (i < got.size() ? got[i] : "(end)")
                       << (i > 0 ? "\n  after:    " + want[i - 1] : "");
     }
-    EXPECT_EQ(matched, static_cast<int>(cases.size()));
+    EXPECT_EQ(matched + leftOut, static_cast<int>(cases.size()));
 }
 
 } // namespace

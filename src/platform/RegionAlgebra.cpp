@@ -63,15 +63,12 @@ void setRect(Region& region, const Box& b) noexcept
 
 // ----- set operations --------------------------------------------------------------------------
 
-// How many rectangles a set operation may give, counted without making it (or, with exact
-// false, a bound on it from the bands' sizes alone). Row by row a pixel
-// is in the result when keep(in a, in b) says so; stretches of rows where neither operand
-// changes its band give one band each, and a band that repeats the one just above it adds
-// nothing. Touching rectangles are counted as one, so the count can fall short of the result by
-// rectangles kept apart; the result is checked again once it is made. Stops early once the
-// count passes stopAbove.
-template <class Keep>
-std::size_t countResult(const Region& a, const Region& b, Keep keep, std::size_t stopAbove, bool exact)
+namespace {
+
+// A bound on how many rectangles a set operation may give, from the operands' bands alone: no
+// stretch of rows where neither operand changes its band gives more rectangles than the two bands
+// there hold together. One step per band; stops early once the bound passes stopAbove.
+std::size_t resultBound(const Region& a, const Region& b, std::size_t stopAbove)
 {
     int na = 0, nb = 0;
     const Box* ba = a.boxes(na);
@@ -81,20 +78,8 @@ std::size_t countResult(const Region& a, const Region& b, Keep keep, std::size_t
         while (j < n && boxes[j].y1 == boxes[i].y1) ++j;
         return j;
     };
-    // The spans of one band, touching ones joined.
-    auto spansOf = [](const Box* boxes, int from, int to, std::vector<Span>& out) {
-        out.clear();
-        for (int i = from; i < to; ++i) {
-            if (!out.empty() && out.back().x2 >= boxes[i].x1)
-                out.back().x2 = std::max(out.back().x2, boxes[i].x2);
-            else
-                out.push_back(Span{boxes[i].x1, boxes[i].x2});
-        }
-    };
     constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
-    std::vector<Span> sa, sb, cur, prev;
     std::size_t count = 0;
-    std::int64_t prevBottom = kNone;
     std::int64_t y = std::numeric_limits<std::int64_t>::min();
     int ia = 0, ib = 0;
     int ea = na ? bandEnd(ba, na, 0) : 0, eb = nb ? bandEnd(bb, nb, 0) : 0;
@@ -113,60 +98,14 @@ std::size_t countResult(const Region& a, const Region& b, Keep keep, std::size_t
         }
         y = std::max(y, std::min(aTop, bTop));
         const bool inA = aTop <= y, inB = bTop <= y;
-        const std::int64_t end = std::min(inA ? aBottom : aTop, inB ? bBottom : bTop);
-        if (!exact) { // at most the two bands' rectangles together
-            count += std::size_t(inA ? ea - ia : 0) + std::size_t(inB ? eb - ib : 0);
-            if (count > stopAbove) return count;
-            y = end;
-            continue;
-        }
-        if (inA) spansOf(ba, ia, ea, sa); else sa.clear();
-        if (inB) spansOf(bb, ib, eb, sb); else sb.clear();
-        // Walk the edges of both span lists from left to right.
-        cur.clear();
-        std::size_t i = 0, j = 0;
-        bool overA = false, overB = false, was = false;
-        std::int32_t start = 0;
-        while (i < 2 * sa.size() || j < 2 * sb.size()) {
-            auto edgeAt = [](const std::vector<Span>& s, std::size_t k) {
-                return k % 2 == 0 ? s[k / 2].x1 : s[k / 2].x2;
-            };
-            const std::int64_t xa = i < 2 * sa.size() ? edgeAt(sa, i) : kNone;
-            const std::int64_t xb = j < 2 * sb.size() ? edgeAt(sb, j) : kNone;
-            const std::int64_t x = std::min(xa, xb);
-            if (xa == x) overA = ++i % 2 == 1;
-            if (xb == x) overB = ++j % 2 == 1;
-            const bool now = keep(overA, overB);
-            if (now && !was) start = static_cast<std::int32_t>(x);
-            if (!now && was) cur.push_back(Span{start, static_cast<std::int32_t>(x)});
-            was = now;
-        }
-        if (!cur.empty()) {
-            if (!(prevBottom == y && cur == prev)) count += cur.size();
-            prev.swap(cur);
-            prevBottom = end;
-        }
+        count += std::size_t(inA ? ea - ia : 0) + std::size_t(inB ? eb - ib : 0);
         if (count > stopAbove) return count;
-        y = end;
+        y = std::min(inA ? aBottom : aTop, inB ? bBottom : bTop);
     }
     return count;
 }
 
-// First the bound that costs one step per band: no stretch of rows gives more rectangles than the
-// two operands' bands there hold together. Only past the limit is the count made exactly, with the
-// work of the operation itself.
-template <class Keep>
-std::size_t resultSize(const Region& a, const Region& b, Keep keep, std::size_t stopAbove)
-{
-    const std::size_t bound = countResult(a, b, keep, stopAbove, false);
-    return bound <= stopAbove ? bound : countResult(a, b, keep, stopAbove, true);
-}
-
-bool keepBoth(bool a, bool b) noexcept { return a && b; }
-bool keepEither(bool a, bool b) noexcept { return a || b; }
-bool keepFirstOnly(bool a, bool b) noexcept { return a && !b; }
-bool keepSecondOnly(bool a, bool b) noexcept { return b && !a; }
-bool keepOne(bool a, bool b) noexcept { return a != b; }
+} // namespace
 
 // ----- set operations band by band -------------------------------------------------------------
 //
@@ -641,8 +580,7 @@ bool holds(const Box& outer, const Box& inner) noexcept
 // pixman settles without its band algebra (an empty operand, one rectangle holding the other,
 // extents that do not meet, an operand with itself) are left to it; the others go band by band,
 // first counted when the bound from the operands' band sizes passes the limit.
-template <class Keep>
-bool bandOperation(Op op, Region& out, const Region& a, const Region& b, Keep keep)
+bool bandOperation(Op op, Region& out, const Region& a, const Region& b)
 {
     auto* ra = const_cast<pixman_region32_t*>(a.get());
     auto* rb = const_cast<pixman_region32_t*>(b.get());
@@ -663,7 +601,7 @@ bool bandOperation(Op op, Region& out, const Region& a, const Region& b, Keep ke
             return pixman_region32_subtract(out.get(), ra, rb);
         break;
     }
-    if (countResult(a, b, keep, kMaxRects, false) > kMaxRects) {
+    if (resultBound(a, b, kMaxRects) > kMaxRects) {
         BandSweep counting(op, a, b, false, kMaxRects);
         if (!counting.run()) return false;
     }
@@ -677,76 +615,39 @@ bool bandOperation(Op op, Region& out, const Region& a, const Region& b, Keep ke
 // as it was. The result is made apart and moved in, since dest may be a or b.
 bool combine(Region& dest, const Region& a, const Region& b, int mode)
 {
-    auto* ra = const_cast<pixman_region32_t*>(a.get());
-    auto* rb = const_cast<pixman_region32_t*>(b.get());
-    const bool wrapped = a.wrapped || (mode != RGN_COPY && b.wrapped);
     Region result;
     bool ok = true;
-    if (!wrapped && mode != RGN_COPY) {
-        switch (mode) {
-        case RGN_AND: ok = bandOperation(Op::Intersect, result, a, b, keepBoth); break;
-        case RGN_OR: ok = bandOperation(Op::Union, result, a, b, keepEither); break;
-        case RGN_DIFF: ok = bandOperation(Op::Subtract, result, a, b, keepFirstOnly); break;
-        case RGN_XOR: {
-            Region ab, ba;
-            ok = bandOperation(Op::Subtract, ab, a, b, keepFirstOnly) &&
-                 bandOperation(Op::Subtract, ba, b, a, keepFirstOnly) &&
-                 bandOperation(Op::Union, result, ab, ba, keepEither);
-            break;
-        }
-        default: return false;
-        }
-    } else switch (mode) {
-    case RGN_AND:
-        ok = resultSize(a, b, keepBoth, kMaxRects) <= kMaxRects &&
-             pixman_region32_intersect(result.get(), ra, rb);
-        break;
-    case RGN_OR:
-        ok = resultSize(a, b, keepEither, kMaxRects) <= kMaxRects &&
-             pixman_region32_union(result.get(), ra, rb);
-        break;
-    case RGN_DIFF:
-        ok = resultSize(a, b, keepFirstOnly, kMaxRects) <= kMaxRects &&
-             pixman_region32_subtract(result.get(), ra, rb);
-        break;
-    case RGN_COPY: ok = result.copyFrom(a); break;
+    switch (mode) {
+    case RGN_AND: ok = bandOperation(Op::Intersect, result, a, b); break;
+    case RGN_OR: ok = bandOperation(Op::Union, result, a, b); break;
+    case RGN_DIFF: ok = bandOperation(Op::Subtract, result, a, b); break;
     case RGN_XOR: {
         Region ab, ba;
-        ok = resultSize(a, b, keepOne, kMaxRects) <= kMaxRects &&
-             resultSize(a, b, keepFirstOnly, kMaxRects) <= kMaxRects &&
-             resultSize(a, b, keepSecondOnly, kMaxRects) <= kMaxRects &&
-             pixman_region32_subtract(ab.get(), ra, rb) && pixman_region32_subtract(ba.get(), rb, ra) &&
-             pixman_region32_union(result.get(), ab.get(), ba.get());
+        ok = bandOperation(Op::Subtract, ab, a, b) &&
+             bandOperation(Op::Subtract, ba, b, a) &&
+             bandOperation(Op::Union, result, ab, ba);
         break;
     }
+    case RGN_COPY: ok = result.copyFrom(a); break;
     default: return false;
     }
     if (!ok || static_cast<std::size_t>(result.count()) > kMaxRects) return false;
-    result.wrapped = wrapped;
     if (!result.count()) result.clear();
     dest.swap(result);
     return true;
 }
 
-// Adds without a limit; a region whose coordinates wrapped leaves the canonical form.
+// The moved bounding box is checked first, in 64 bits: every rectangle lies inside it, so once it
+// fits the range no coordinate can pass 32 bits, and a refused move has touched nothing.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy)
 {
-    int n = 0;
-    const Box* b = region.boxes(n);
-    if (n == 0 || (dx == 0 && dy == 0)) return true;
-    std::vector<Box> moved(b, b + n);
-    bool overflow = false;
-    auto add = [&overflow](std::int32_t v, std::int32_t by) {
-        std::int64_t s = std::int64_t(v) + by;
-        overflow |= s != wrap(s);
-        return wrap(s);
-    };
-    for (Box& m : moved) m = Box{add(m.x1, dx), add(m.y1, dy), add(m.x2, dx), add(m.y2, dy)};
-    Box bound = region.bound();
-    bound = Box{add(bound.x1, dx), add(bound.y1, dy), add(bound.x2, dx), add(bound.y2, dy)};
-    const bool wasWrapped = region.wrapped;
-    if (!region.assign(moved.data(), moved.size(), bound)) return false;
-    region.wrapped = wasWrapped || (overflow && !isCanonical(region));
+    if (region.count() == 0) return true;
+    const Box e = region.bound();
+    auto fits = [](std::int64_t v) { return v >= kMinCoordinate && v <= kMaxCoordinate; };
+    if (!fits(std::int64_t(e.x1) + dx) || !fits(std::int64_t(e.x2) + dx) ||
+        !fits(std::int64_t(e.y1) + dy) || !fits(std::int64_t(e.y2) + dy))
+        return false;
+    pixman_region32_translate(region.get(), dx, dy);
     return true;
 }
 

@@ -20,9 +20,8 @@
  *    empty region, which holds no rectangle.
  *
  * GetRegionData returns the rectangles in exactly this order. The set operations are pixman's
- * band algebra, which keeps this form. Coordinates are 32-bit and wrap: OffsetRgn adds without a
- * limit, as the platform does, and a region whose coordinates wrapped is kept as it is, outside
- * the form (it is then only read back and tested as the platform would). Past 2^24 rectangles
+ * band algebra, which keeps this form. Coordinates are 32-bit; OffsetRgn moves a region no
+ * further than the platform's 27-bit range, so no coordinate ever wraps. Past 2^24 rectangles
  * no operation makes or changes a region. Debug builds check the form after every operation.
  */
 #pragma once
@@ -51,6 +50,11 @@ constexpr std::int32_t wrap(std::int64_t v) noexcept
 // it before it allocates, and one that would pass it fails as an allocation failure would.
 constexpr std::size_t kMaxRects = std::size_t(1) << 24;
 
+// The platform keeps region coordinates within 27 bits, and OffsetRgn moves no region past them.
+// The rectangles made by the other operations keep whatever 32-bit coordinates they were given.
+constexpr std::int64_t kMinCoordinate = -(std::int64_t(1) << 27);
+constexpr std::int64_t kMaxCoordinate = (std::int64_t(1) << 27) - 1;
+
 class Region {
 public:
     Region() noexcept { pixman_region32_init(&r_); }
@@ -77,15 +81,13 @@ public:
     {
         pixman_region32_fini(&r_);
         pixman_region32_init(&r_);
-        wrapped = false;
     }
-    // One rectangle, taken as it is (pixman would refuse one that wrapped).
+    // One rectangle, taken as it is.
     void setBox(const Box& b) noexcept
     {
         pixman_region32_fini(&r_);
         r_.extents = b;
         r_.data = nullptr;
-        wrapped = false;
     }
     // Takes the rectangles as they are, already in order, with the given bounding box.
     bool assign(const Box* boxes, std::size_t n, const Box& bound) noexcept
@@ -107,7 +109,6 @@ public:
         pixman_region32_fini(&r_);
         r_.extents = bound;
         r_.data = data;
-        wrapped = false;
         return true;
     }
     // Takes over a block of at least two rectangles in order, with the given bounding box.
@@ -116,24 +117,14 @@ public:
         pixman_region32_fini(&r_);
         r_.extents = bound;
         r_.data = data;
-        wrapped = false;
     }
     bool copyFrom(const Region& other) noexcept
     {
         if (&other == this) return true;
-        if (!pixman_region32_copy(&r_, const_cast<pixman_region32_t*>(&other.r_))) return false;
-        wrapped = other.wrapped;
-        return true;
+        return pixman_region32_copy(&r_, const_cast<pixman_region32_t*>(&other.r_));
     }
 
-    void swap(Region& other) noexcept
-    {
-        std::swap(r_, other.r_);
-        std::swap(wrapped, other.wrapped);
-    }
-
-    // True once an offset has wrapped a coordinate and left the canonical form.
-    bool wrapped = false;
+    void swap(Region& other) noexcept { std::swap(r_, other.r_); }
 
 private:
     pixman_region32_t r_;
@@ -146,7 +137,7 @@ bool isCanonical(const Region& region) noexcept;
 inline void checkForm(const Region& region, const char* operation) noexcept
 {
 #ifndef NDEBUG
-    if (!region.wrapped && !isCanonical(region)) {
+    if (!isCanonical(region)) {
         std::fprintf(stderr, "quillon_region: %s left a region outside the canonical form\n",
                      operation);
         std::abort();
@@ -217,8 +208,9 @@ void setRect(Region& region, const Box& b) noexcept;
 // dest = a (mode) b, mode one of RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF and RGN_COPY. On any failure
 // (a result over the rectangle limit among them) dest is left as it was.
 bool combine(Region& dest, const Region& a, const Region& b, int mode);
-// Moves the region; adds without a limit, and a region whose coordinates wrapped leaves the
-// canonical form.
+// Moves the region, or returns false and leaves it as it was when an edge of its moved bounding
+// box (right and bottom included) would fall outside [kMinCoordinate, kMaxCoordinate]. An empty
+// region moves by anything.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy);
 // The rectangles of one region in the canonical form, held elsewhere.
 struct BoxRun {

@@ -312,12 +312,8 @@ HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* co
         if (!result) return nullptr;
         bool made = false;
         if (base) {
-            bool wrapped = false;
-            const bool read = table().read(base, [&](const Region& r) {
-                wrapped = r.wrapped;
-                made = result->copyFrom(r);
-            });
-            if (!read || !made || wrapped) return nullptr;
+            const bool read = table().read(base, [&](const Region& r) { made = result->copyFrom(r); });
+            if (!read || !made) return nullptr;
         }
         // Pieces are joined in batches of at most about kMaxRects rectangles, each batch with the
         // union so far: the same result, with the memory of one call bounded. The pieces' rectangles
