@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Uses the installed library: turns a point a quarter turn about z, moves it, and checks the
+// Uses the library (installed, or as a subproject): turns a point a quarter turn about z, moves it, and checks the
 // result against what the arithmetic must give. Exit status 0 when all holds.
 #include <quillon/Names>
 
