@@ -7,6 +7,8 @@
 
 #if !defined(_WIN32) // on Windows these are the platform's own functions
 
+#include "region_support.h"
+
 #include "../src/platform/HandleTable.h"
 
 #include <gtest/gtest.h>
@@ -25,22 +27,6 @@
 #include <vector>
 
 namespace {
-
-struct Rect {
-    LONG l, t, r, b;
-    bool operator==(const Rect& o) const { return l == o.l && t == o.t && r == o.r && b == o.b; }
-};
-
-std::vector<Rect> rectsOf(HRGN h)
-{
-    const DWORD size = GetRegionData(h, 0, nullptr);
-    std::vector<std::uint64_t> store(size / 8 + 1);
-    auto* data = reinterpret_cast<RGNDATA*>(store.data());
-    if (size == 0 || GetRegionData(h, size, data) != size) return {};
-    std::vector<Rect> out(data->rdh.nCount);
-    if (!out.empty()) std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
-    return out;
-}
 
 DWORD liveRegions() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
 

@@ -6,6 +6,8 @@
 
 #if !defined(_WIN32) // on Windows these are the platform's own functions
 
+#include "region_support.h"
+
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -17,27 +19,6 @@
 namespace {
 
 constexpr int K = 1 << 27;
-
-struct Rect {
-    LONG l, t, r, b;
-    bool operator==(const Rect& o) const { return l == o.l && t == o.t && r == o.r && b == o.b; }
-};
-
-std::ostream& operator<<(std::ostream& out, const Rect& r)
-{
-    return out << "(" << r.l << ", " << r.t << ", " << r.r << ", " << r.b << ")";
-}
-
-std::vector<Rect> rectsOf(HRGN h)
-{
-    const DWORD size = GetRegionData(h, 0, nullptr);
-    std::vector<std::uint64_t> store(size / 8 + 1);
-    auto* data = reinterpret_cast<RGNDATA*>(store.data());
-    if (size == 0 || GetRegionData(h, size, data) != size) return {};
-    std::vector<Rect> out(data->rdh.nCount);
-    if (!out.empty()) std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
-    return out;
-}
 
 // The union of the rectangles, as one region.
 HRGN regionOf(const std::vector<Rect>& rects)
