@@ -17,13 +17,14 @@
 // results through memory and cost a third of the time.
 #if defined(__GNUC__)
 #  define QUILLON_STEP [[gnu::always_inline]] inline
+#  define QUILLON_APART [[gnu::noinline]]
 #else
 #  define QUILLON_STEP inline
+#  define QUILLON_APART
 #endif
 
 namespace quillon::trig {
 namespace {
-constexpr double kQuarterPi = 0x1.921fb54442d18p-1; // just below pi/4
 constexpr double kTwoOverPiDouble = 0x1.45f306dc9c883p-1;
 constexpr double kCodyLimit = 0x1.8p+22; // below it |x| 2/pi rounds to at most 2^22 + 1
 constexpr double kRound = 0x1.8p+52;     // adding and taking it away rounds to an integer
@@ -69,7 +70,7 @@ struct Reduction {
 
 // Beyond kCodyLimit, the bits of 2/pi in integers: 128 bits of r, of which hi + lo keep 106
 // (2^-100 |r|). Apart, so the common path keeps no stack frame.
-[[gnu::noinline]] Reduction reduceLarge(double ax)
+QUILLON_APART Reduction reduceLarge(double ax)
 {
     constexpr int n = 4;
     Reduced red;
@@ -77,10 +78,9 @@ struct Reduction {
     const Wide r = multiply(red.fraction, piOverTwo(n), n); // in [pi/4, pi/2)
     const std::uint64_t top = (std::uint64_t{r.w[0]} << 52) | (std::uint64_t{r.w[1]} << 20) | (r.w[2] >> 12);
     const std::uint64_t next = ((std::uint64_t{r.w[2]} & 0xfff) << 41) | (std::uint64_t{r.w[3]} << 9) | (r.w[4] >> 23);
-    // r = (top 2^-52 + next 2^-105) 2^-shift: the products are exact, the scale a power of two.
-    double scale = 1.0;
-    for (int s = red.shift; s > 0; s -= 60)
-        scale *= s >= 60 ? 0x1p-60 : 1.0 / static_cast<double>(std::uint64_t{1} << s);
+    // r = (top 2^-52 + next 2^-105) 2^-shift: the products are exact, the scale a power of two
+    // (the shift is below 200 for any double: r is at least 2^-62).
+    const double scale = fromBits(static_cast<std::uint64_t>(1023 - red.shift) << 52);
     double hi = static_cast<double>(top) * 0x1p-52 * scale, lo = static_cast<double>(next) * 0x1p-105 * scale;
     if (red.negative) {
         hi = -hi;
