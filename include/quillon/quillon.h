@@ -302,9 +302,10 @@ QUILLON_C_API int quillon_gi_lt(int32_t a, int32_t b);
  * guard types, entering the class as above), so an array of n vectors is 3 * n values; the point
  * structs have the same layout. Shown for the prefix d; i, f, gi, gf and gd are the same with their
  * own element type. The n-vector calls return QUILLON_OK, or QUILLON_NULL_ARGUMENT with nothing
- * written when n > 0 and an array is null (n = 0 does nothing); out may be a or b itself. Sums,
- * differences, cross and dot products keep to the element type's arithmetic: int wraps around,
- * float is formed in double and rounded once, the guard types saturate at their limits.
+ * written when n > 0 and an array is null (n = 0 does nothing); out may be a or b itself where it
+ * has their type. Sums, differences, cross and dot products keep to the element type's arithmetic:
+ * int wraps around, float is formed in double and rounded once, the guard types saturate at their
+ * limits.
  *
  *   quillon_d_vec_add / sub(a, b, out, n)    a[k] + b[k] / a[k] - b[k]
  *   quillon_d_vec_mul(a, b, out, n)          the component-wise product, formed in double
@@ -316,7 +317,8 @@ QUILLON_C_API int quillon_gi_lt(int32_t a, int32_t b);
  *   quillon_d_vec_dot(a, b, out, n)          a[k] . b[k] to out[k]: one value per vector
  *   quillon_d_vec_length(a, out, n)          the length of a[k] to out[k], stored as the element
  *                                            type (cut down for int, nearest for guardint)
- *   quillon_d_vec_unit(a, out, n)            a[k] / length as a double vector; zero stays zero
+ *   quillon_d_vec_unit(a, out, n)            a[k] / length as a double vector; a zero length
+ *                                            gives the zero vector
  *   quillon_d_vec_unit_gd(a, out, n)         the same with guarddouble's division, as raw
  *                                            guarddouble values
  *   quillon_d_vec_normalise(a, out, n)       a[k] divided by its length in the element type's own

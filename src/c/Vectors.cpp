@@ -16,7 +16,7 @@ struct Vectors {
     using V = ThreeDVector<T>;
 
     static V read(const C* p) noexcept { return V(R::enter(p[0]), R::enter(p[1]), R::enter(p[2])); }
-    // A null vector reads as the default vector, zero, as Dot(const ThreeDVector*) reads a null one.
+    // A null vector reads as the zero vector, as Dot(const ThreeDVector*) takes a null one.
     static V readOrZero(const C* p) noexcept { return p ? read(p) : V(); }
 
     template <class U>
@@ -27,8 +27,8 @@ struct Vectors {
         p[2] = Raw<U>::leave(v.GetZ());
     }
 
-    // The loops of the n-vector calls. Every operand vector is read whole before the result of that
-    // vector is written, and result k never lies past vector k's components, so out may be an input.
+    // The loops of the n-vector calls. Each operand vector is read whole before its result is
+    // written, and result k never lies past vector k's components, so out may be an input.
     template <std::size_t Width, class Out, class Step>
     static int each(const C* a, Out* out, std::size_t n, Step step) noexcept
     {
