@@ -5,13 +5,15 @@
 A ```cpp block with a main function is a program; the next fenced block must be a ```text block
 with its exact output (a program that includes <windows.h> is for the platform's compiler and is
 built by the Windows test suite instead). Each program is compiled with the given compiler and flags, linked, run, and
-its standard output compared with that block. Blocks without main are fragments and not checked.
+its standard output compared with that block. A ```c block with a main function is a C program,
+checked the same way with the C compiler and flags given after --c. Blocks without main are
+fragments and not checked.
 
 A block whose first line starts with "$ quillon" is a session: each "$ quillon ..." line is run
 with the given tool and must print the lines under it (standard output, then standard error); a
 trailing "# comment" is not part of a line, and "# exit status N" is the status it must give.
 
-usage: check_readme.py README.md WORK_DIR QUILLON COMPILER [FLAG...]
+usage: check_readme.py README.md WORK_DIR QUILLON COMPILER [FLAG...] [--c C_COMPILER [FLAG...]]
 """
 import os
 import re
@@ -71,7 +73,13 @@ def blocks(text):
 
 
 def main():
-    readme, work, tool, compiler, flags = sys.argv[1], sys.argv[2], sys.argv[3], sys.argv[4], sys.argv[5:]
+    readme, work, tool = sys.argv[1], sys.argv[2], sys.argv[3]
+    rest = sys.argv[4:]
+    cut = rest.index("--c") if "--c" in rest else len(rest)
+    # The compiler and flags for each language of program: the C ones may be absent.
+    builders = {"cpp": (rest[0], rest[1:cut], "cpp")}
+    if cut + 1 < len(rest):
+        builders["c"] = (rest[cut + 1], rest[cut + 2:], "c")
     os.makedirs(work, exist_ok=True)
     found = blocks(open(readme, encoding="utf-8").read())
     failures, programs, sessions = [], 0, 0
@@ -80,15 +88,19 @@ def main():
             sessions += 1
             failures += check_session(body, tool, f"{os.path.basename(readme)}, the session at line {line}")
             continue
-        if info != "cpp" or not re.search(r"\bint\s+main\s*\(", body) or "#include <windows.h>" in body:
+        if info not in ("cpp", "c") or not re.search(r"\bint\s+main\s*\(", body) or "#include <windows.h>" in body:
             continue
         programs += 1
         where = f"{os.path.basename(readme)}, the program at line {line}"
+        if info not in builders:
+            failures.append(f"{where}: a C program, and no C compiler given (--c)")
+            continue
+        compiler, flags, suffix = builders[info]
         if k + 1 >= len(found) or found[k + 1][1] != "text":
             failures.append(f"{where}: no ```text block with its output after it")
             continue
         expected = found[k + 1][2]
-        source = os.path.join(work, f"readme_{line}.cpp")
+        source = os.path.join(work, f"readme_{line}.{suffix}")
         program = os.path.join(work, f"readme_{line}")
         with open(source, "w", encoding="utf-8") as f:
             f.write(body)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-/* Quillon's C interface: the transforms, the point mappings, region mapping and the guard scalars
- * for C and for every language that calls C. Valid C99 and C++; library libquillon_c.
+/* Quillon's C interface: the transforms, the point mappings, region mapping, the vectors'
+ * operations and the guard scalars for C and for every language that calls C. Valid C99 and C++;
+ * library libquillon_c.
  *
  * Every function computes exactly what the C++ members compute, bit for bit: each one builds the
  * C++ value from the plain struct, calls the member and copies the result out.
@@ -108,6 +109,9 @@ typedef struct quillon_d_point { double x, y, z; } quillon_d_point;
 typedef struct quillon_gi_point { int32_t x, y, z; } quillon_gi_point;
 typedef struct quillon_gf_point { float x, y, z; } quillon_gf_point;
 typedef struct quillon_gd_point { double x, y, z; } quillon_gd_point;
+
+/* A point on the screen, column x and row y: what a vector projects to. */
+typedef struct quillon_screen_point { int32_t x, y; } quillon_screen_point;
 
 /* The library's version, "major.minor.patch.build", and the same as one number
  * (major << 24 | minor << 16 | patch << 8 | build). */
@@ -292,6 +296,169 @@ QUILLON_C_API int quillon_gi_eq(int32_t a, int32_t b);
 QUILLON_C_API int quillon_gi_ne(int32_t a, int32_t b);
 QUILLON_C_API int quillon_gi_lt(int32_t a, int32_t b);
 
+/* ---- The vectors: ThreeDVector<T> for the six element types ----
+ *
+ * A vector is three consecutive values x, y, z of its element type (the raw stored values for the
+ * guard types, entering the class as above), so an array of n vectors is 3 * n values; the point
+ * structs have the same layout. Shown for the prefix d; i, f, gi, gf and gd are the same with their
+ * own element type. The n-vector calls return QUILLON_OK, or QUILLON_NULL_ARGUMENT with nothing
+ * written when n > 0 and an array is null (n = 0 does nothing); out may be a or b itself where it
+ * has their type. Sums, differences, cross and dot products keep to the element type's arithmetic:
+ * int wraps around, float is formed in double and rounded once, the guard types saturate at their
+ * limits.
+ *
+ *   quillon_d_vec_add / sub(a, b, out, n)    a[k] + b[k] / a[k] - b[k]
+ *   quillon_d_vec_mul(a, b, out, n)          the component-wise product, formed in double
+ *   quillon_d_vec_scale_Q(a, s, out, n)      a[k] times the scalar s of type Q: f (float), d
+ *                                            (double), gf (guardfloat, raw float) or gd
+ *                                            (guarddouble, raw double), each the class's own
+ *                                            product with that type
+ *   quillon_d_vec_cross(a, b, out, n)        a[k] x b[k], right-handed, a[k] on the left
+ *   quillon_d_vec_dot(a, b, out, n)          a[k] . b[k] to out[k]: one value per vector
+ *   quillon_d_vec_length(a, out, n)          the length of a[k] to out[k], stored as the element
+ *                                            type (cut down for int, nearest for guardint)
+ *   quillon_d_vec_unit(a, out, n)            a[k] / length as a double vector; a zero length
+ *                                            gives the zero vector
+ *   quillon_d_vec_unit_gd(a, out, n)         the same with guarddouble's division, as raw
+ *                                            guarddouble values
+ *   quillon_d_vec_normalise(a, out, n)       a[k] divided by its length in the element type's own
+ *                                            division; a length that is 0 as an int leaves it
+ *   quillon_d_vec_project(a, depth, origin, out, n)
+ *                                            perspective projection of a[k] onto the screen plane
+ *                                            at depth (the viewer at the origin looking along +y)
+ *                                            plus origin; a point nearer than the plane, a zero
+ *                                            depth or a zero y gives (0, 0)
+ *
+ * One vector at a time, where a null vector reads as zero and a null destination is not written:
+ *
+ *   quillon_d_vec_from_points(a, b, out)     the vector from point a to point b: b - a
+ *   quillon_d_vec_add_to_axis(v, axis, amount)
+ *                                            adds amount to v's component 'x', 'y' or 'z' (either
+ *                                            case; any other letter does nothing), in place
+ *   quillon_d_vec_equal / not_equal(a, b)    1 when every component is equal (+0.0 equals -0.0) /
+ *                                            when one differs (a NaN always differs), else 0
+ *
+ * The components themselves are the array's: there is nothing to call to read or set them. */
+
+/* ---- ThreeDVector<int> ---- */
+QUILLON_C_API int quillon_i_vec_add(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_sub(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_mul(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_scale_f(const int32_t* a, float s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_scale_d(const int32_t* a, double s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_scale_gf(const int32_t* a, float s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_scale_gd(const int32_t* a, double s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_cross(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_dot(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_length(const int32_t* a, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_unit(const int32_t* a, double* out, size_t n);
+QUILLON_C_API int quillon_i_vec_unit_gd(const int32_t* a, double* out, size_t n);
+QUILLON_C_API int quillon_i_vec_normalise(const int32_t* a, int32_t* out, size_t n);
+QUILLON_C_API int quillon_i_vec_project(const int32_t* a, int32_t depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_i_vec_from_points(const int32_t* a, const int32_t* b, int32_t* out);
+QUILLON_C_API void quillon_i_vec_add_to_axis(int32_t* v, char axis, int32_t amount);
+QUILLON_C_API int quillon_i_vec_equal(const int32_t* a, const int32_t* b);
+QUILLON_C_API int quillon_i_vec_not_equal(const int32_t* a, const int32_t* b);
+
+/* ---- ThreeDVector<float> ---- */
+QUILLON_C_API int quillon_f_vec_add(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_sub(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_mul(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_scale_f(const float* a, float s, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_scale_d(const float* a, double s, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_scale_gf(const float* a, float s, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_scale_gd(const float* a, double s, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_cross(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_dot(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_length(const float* a, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_unit(const float* a, double* out, size_t n);
+QUILLON_C_API int quillon_f_vec_unit_gd(const float* a, double* out, size_t n);
+QUILLON_C_API int quillon_f_vec_normalise(const float* a, float* out, size_t n);
+QUILLON_C_API int quillon_f_vec_project(const float* a, float depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_f_vec_from_points(const float* a, const float* b, float* out);
+QUILLON_C_API void quillon_f_vec_add_to_axis(float* v, char axis, float amount);
+QUILLON_C_API int quillon_f_vec_equal(const float* a, const float* b);
+QUILLON_C_API int quillon_f_vec_not_equal(const float* a, const float* b);
+
+/* ---- ThreeDVector<double> ---- */
+QUILLON_C_API int quillon_d_vec_add(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_sub(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_mul(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_scale_f(const double* a, float s, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_scale_d(const double* a, double s, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_scale_gf(const double* a, float s, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_scale_gd(const double* a, double s, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_cross(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_dot(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_length(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_unit(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_unit_gd(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_normalise(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_d_vec_project(const double* a, double depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_d_vec_from_points(const double* a, const double* b, double* out);
+QUILLON_C_API void quillon_d_vec_add_to_axis(double* v, char axis, double amount);
+QUILLON_C_API int quillon_d_vec_equal(const double* a, const double* b);
+QUILLON_C_API int quillon_d_vec_not_equal(const double* a, const double* b);
+
+/* ---- ThreeDVector<guardint>: over the raw stored int32 values ---- */
+QUILLON_C_API int quillon_gi_vec_add(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_sub(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_mul(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_scale_f(const int32_t* a, float s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_scale_d(const int32_t* a, double s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_scale_gf(const int32_t* a, float s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_scale_gd(const int32_t* a, double s, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_cross(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_dot(const int32_t* a, const int32_t* b, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_length(const int32_t* a, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_unit(const int32_t* a, double* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_unit_gd(const int32_t* a, double* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_normalise(const int32_t* a, int32_t* out, size_t n);
+QUILLON_C_API int quillon_gi_vec_project(const int32_t* a, int32_t depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_gi_vec_from_points(const int32_t* a, const int32_t* b, int32_t* out);
+QUILLON_C_API void quillon_gi_vec_add_to_axis(int32_t* v, char axis, int32_t amount);
+QUILLON_C_API int quillon_gi_vec_equal(const int32_t* a, const int32_t* b);
+QUILLON_C_API int quillon_gi_vec_not_equal(const int32_t* a, const int32_t* b);
+
+/* ---- ThreeDVector<guardfloat>: over the raw stored floats ---- */
+QUILLON_C_API int quillon_gf_vec_add(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_sub(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_mul(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_scale_f(const float* a, float s, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_scale_d(const float* a, double s, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_scale_gf(const float* a, float s, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_scale_gd(const float* a, double s, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_cross(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_dot(const float* a, const float* b, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_length(const float* a, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_unit(const float* a, double* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_unit_gd(const float* a, double* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_normalise(const float* a, float* out, size_t n);
+QUILLON_C_API int quillon_gf_vec_project(const float* a, float depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_gf_vec_from_points(const float* a, const float* b, float* out);
+QUILLON_C_API void quillon_gf_vec_add_to_axis(float* v, char axis, float amount);
+QUILLON_C_API int quillon_gf_vec_equal(const float* a, const float* b);
+QUILLON_C_API int quillon_gf_vec_not_equal(const float* a, const float* b);
+
+/* ---- ThreeDVector<guarddouble>: over the raw stored doubles ---- */
+QUILLON_C_API int quillon_gd_vec_add(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_sub(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_mul(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_scale_f(const double* a, float s, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_scale_d(const double* a, double s, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_scale_gf(const double* a, float s, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_scale_gd(const double* a, double s, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_cross(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_dot(const double* a, const double* b, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_length(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_unit(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_unit_gd(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_normalise(const double* a, double* out, size_t n);
+QUILLON_C_API int quillon_gd_vec_project(const double* a, double depth, quillon_screen_point origin, quillon_screen_point* out, size_t n);
+QUILLON_C_API void quillon_gd_vec_from_points(const double* a, const double* b, double* out);
+QUILLON_C_API void quillon_gd_vec_add_to_axis(double* v, char axis, double amount);
+QUILLON_C_API int quillon_gd_vec_equal(const double* a, const double* b);
+QUILLON_C_API int quillon_gd_vec_not_equal(const double* a, const double* b);
 #ifdef __cplusplus
 } /* extern "C" */
 #endif

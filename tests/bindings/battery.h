@@ -122,5 +122,7 @@ static inline void qb_print(const char* family, const qb_digest* d)
 #define QB_MAP_TRANSFORMS 8
 #define QB_MAP_POINTS 24
 #define QB_RECT_ROUNDS 12
+#define QB_VECTOR_ROUNDS 200
+#define QB_VECTORS 6
 
 #endif

@@ -155,6 +155,155 @@ static void hand_picked(void)
     CHECK(quillon_gf_lt(1.0f, 2.0f) == 1 && quillon_gf_eq(NAN, NAN) == 0 && quillon_gf_ne(NAN, NAN) == 1);
 }
 
+/* The vectors where a rule bites: which operand comes first, which element type a letter means,
+ * which scalar type a product takes, in-place calls and null pointers. */
+static void hand_picked_vectors(void)
+{
+    const double dx[3] = {1.0, 0.0, 0.0}, dy[3] = {0.0, 1.0, 0.0};
+    double d3[3], d6[6], dw[6];
+    float f3[3];
+    int32_t i3[3], iw[6];
+    quillon_screen_point s[2], origin = {10, 20};
+    int k;
+
+    /* Cross: the first operand on the left; x cross y is z, y cross x is -z. */
+    CHECK(quillon_d_vec_cross(dx, dy, d3, 1) == QUILLON_OK && d3[0] == 0.0 && d3[1] == 0.0 && d3[2] == 1.0);
+    CHECK(quillon_d_vec_cross(dy, dx, d3, 1) == QUILLON_OK && d3[2] == -1.0);
+    /* The vector from a to b is b - a. */
+    quillon_d_vec_from_points(dx, dy, d3);
+    CHECK(d3[0] == -1.0 && d3[1] == 1.0 && d3[2] == 0.0);
+    {
+        const double p[3] = {5.0, -2.0, 0.25}, q[3] = {1.0, 1.0, 1.0};
+        CHECK(quillon_d_vec_sub(p, q, d3, 1) == QUILLON_OK && d3[0] == 4.0 && d3[1] == -3.0 && d3[2] == -0.75);
+    }
+
+    /* int wraps around, guardint stops at its limit; float goes past 2^126, guardfloat does not. */
+    {
+        const int32_t big[3] = {2147483647, INT32_MIN, 46341}, one[3] = {1, -1, 0};
+        const float fbig[3] = {0x1p126f, -0x1p126f, 1.0f};
+        CHECK(quillon_i_vec_add(big, one, i3, 1) == QUILLON_OK && i3[0] == INT32_MIN && i3[1] == 2147483647);
+        CHECK(quillon_gi_vec_add(big, one, i3, 1) == QUILLON_OK && i3[0] == 2147483647 && i3[1] == -2147483647);
+        CHECK(quillon_f_vec_add(fbig, fbig, f3, 1) == QUILLON_OK && f3[0] == 0x1p127f && f3[1] == -0x1p127f);
+        CHECK(quillon_gf_vec_add(fbig, fbig, f3, 1) == QUILLON_OK && f3[0] == 0x1p126f && f3[1] == -0x1p126f);
+        /* 46341^2 passes the int range: the int dot product wraps, guardint's saturates. */
+        {
+            const int32_t v[3] = {0, 0, 46341};
+            CHECK(quillon_i_vec_dot(v, v, i3, 1) == QUILLON_OK && i3[0] == -2147479015);
+            CHECK(quillon_gi_vec_dot(v, v, i3, 1) == QUILLON_OK && i3[0] == 2147483647);
+        }
+    }
+
+    /* Length and unit: an int length is cut down, a guardint one goes to nearest; an int (1, 1, 0)
+     * has length 1 and is its own unit; a zero vector's unit is zero. */
+    {
+        const int32_t v[6] = {1, 1, 0, 0, 0, 0}, w[3] = {1, 1, 1};
+        CHECK(quillon_i_vec_length(v, i3, 2) == QUILLON_OK && i3[0] == 1 && i3[1] == 0);
+        CHECK(quillon_gi_vec_length(w, i3, 1) == QUILLON_OK && i3[0] == 2);
+        CHECK(quillon_i_vec_unit(v, d6, 2) == QUILLON_OK && d6[0] == 1.0 && d6[1] == 1.0 && d6[2] == 0.0);
+        for (k = 3; k < 6; ++k) CHECK(d6[k] == 0.0);
+        CHECK(quillon_d_vec_length(dx, d3, 1) == QUILLON_OK && d3[0] == 1.0);
+    }
+    /* Normalise divides in the element type: int (3, 4, 0) / 5 is zero, (10, 0, 0) is (1, 0, 0);
+     * a double under 1 long is left as it is. */
+    {
+        const int32_t v[6] = {3, 4, 0, 10, 0, 0};
+        const double small[3] = {0.5, 0.0, 0.0};
+        CHECK(quillon_i_vec_normalise(v, iw, 2) == QUILLON_OK);
+        CHECK(iw[0] == 0 && iw[1] == 0 && iw[2] == 0 && iw[3] == 1 && iw[4] == 0 && iw[5] == 0);
+        CHECK(quillon_d_vec_normalise(small, d3, 1) == QUILLON_OK && d3[0] == 0.5);
+    }
+
+    /* The four scalar products: float's 0.1 is not double's, and a guard scalar's product comes
+     * back to int through nint (1.5 gives 2) where a plain one is truncated (1.5 gives 1). */
+    {
+        const int32_t v[3] = {3, -3, 5};
+        CHECK(quillon_d_vec_scale_f(dx, 0.1f, d3, 1) == QUILLON_OK && d3[0] == (double)0.1f);
+        CHECK(quillon_d_vec_scale_d(dx, 0.1, d3, 1) == QUILLON_OK && d3[0] == 0.1);
+        CHECK(quillon_i_vec_scale_d(v, 0.5, i3, 1) == QUILLON_OK && i3[0] == 1 && i3[1] == -1 && i3[2] == 2);
+        CHECK(quillon_i_vec_scale_f(v, 0.5f, i3, 1) == QUILLON_OK && i3[0] == 1 && i3[1] == -1 && i3[2] == 2);
+        CHECK(quillon_i_vec_scale_gd(v, 0.5, i3, 1) == QUILLON_OK && i3[0] == 2 && i3[1] == -2 && i3[2] == 3);
+        CHECK(quillon_i_vec_scale_gf(v, 0.5f, i3, 1) == QUILLON_OK && i3[0] == 2 && i3[1] == -2 && i3[2] == 3);
+        /* A raw guard scalar beyond the limit enters as the limit. */
+        CHECK(quillon_gd_vec_scale_gd(dx, 1e308, d3, 1) == QUILLON_OK && d3[0] == 0x1p1022);
+        CHECK(quillon_d_vec_mul(dx, dy, d3, 1) == QUILLON_OK && d3[0] == 0.0 && d3[1] == 0.0);
+    }
+
+    /* Projection at depth 1 with the origin (10, 20): (1, 2, 3) scales by 1/2, 0.5 and 1.5 round
+     * with ties downward to 0 and 1; a point nearer than the plane gives (0, 0), not the origin. */
+    {
+        const double v[6] = {1.0, 2.0, 3.0, 1.0, 0.5, 3.0};
+        CHECK(quillon_d_vec_project(v, 1.0, origin, s, 2) == QUILLON_OK);
+        CHECK(s[0].x == 10 && s[0].y == 21 && s[1].x == 0 && s[1].y == 0);
+    }
+
+    /* Comparison: +0 equals -0, NaN differs from itself; a null vector is zero. */
+    {
+        const double pz[3] = {0.0, 1.0, 2.0}, nz[3] = {-0.0, 1.0, 2.0}, nan[3] = {NAN, 0.0, 0.0};
+        const double zero[3] = {0.0, -0.0, 0.0};
+        CHECK(quillon_d_vec_equal(pz, nz) == 1 && quillon_d_vec_not_equal(pz, nz) == 0);
+        CHECK(quillon_d_vec_equal(nan, nan) == 0 && quillon_d_vec_not_equal(nan, nan) == 1);
+        CHECK(quillon_d_vec_equal(NULL, zero) == 1 && quillon_d_vec_equal(pz, NULL) == 0);
+        CHECK(quillon_gd_vec_equal(NULL, NULL) == 1 && quillon_gd_vec_not_equal(NULL, NULL) == 0);
+    }
+
+    /* Add to an axis, either case; any other letter does nothing; a guardint axis saturates. */
+    {
+        double v[3] = {1.0, 2.0, 3.0};
+        int32_t g[3] = {2147483600, 0, 0};
+        quillon_d_vec_add_to_axis(v, 'Y', 0.5);
+        quillon_d_vec_add_to_axis(v, 'z', -3.0);
+        quillon_d_vec_add_to_axis(v, 'w', 100.0);
+        CHECK(v[0] == 1.0 && v[1] == 2.5 && v[2] == 0.0);
+        quillon_gi_vec_add_to_axis(g, 'x', 100);
+        CHECK(g[0] == 2147483647);
+        quillon_i_vec_add_to_axis(i3, 'q', 1);
+        quillon_i_vec_add_to_axis(NULL, 'x', 1);
+    }
+
+    /* In place: out may be either operand; each vector is read whole before it is written. */
+    {
+        double a[6] = {1.0, 2.0, 3.0, -4.0, 5.0, 0.5}, b[6] = {0.5, -1.0, 2.0, 3.0, 0.0, -2.0};
+        double ab[6], ba[6], dots[2];
+        CHECK(quillon_d_vec_cross(a, b, ab, 2) == QUILLON_OK);
+        CHECK(quillon_d_vec_cross(b, a, ba, 2) == QUILLON_OK);
+        CHECK(ab[0] == 7.0 && ab[1] == -0.5 && ab[2] == -2.0 && ba[0] == -7.0);
+        memcpy(dw, a, sizeof dw);
+        CHECK(quillon_d_vec_cross(dw, b, dw, 2) == QUILLON_OK && memcmp(dw, ab, sizeof dw) == 0);
+        memcpy(dw, b, sizeof dw);
+        CHECK(quillon_d_vec_cross(a, dw, dw, 2) == QUILLON_OK && memcmp(dw, ab, sizeof dw) == 0);
+        CHECK(quillon_d_vec_dot(a, b, dots, 2) == QUILLON_OK && dots[0] == 4.5 && dots[1] == -13.0);
+        memcpy(dw, a, sizeof dw);
+        CHECK(quillon_d_vec_dot(dw, b, dw, 2) == QUILLON_OK && dw[0] == 4.5 && dw[1] == -13.0);
+        memcpy(dw, a, sizeof dw);
+        CHECK(quillon_d_vec_unit(a, d6, 2) == QUILLON_OK);
+        CHECK(quillon_d_vec_unit(dw, dw, 2) == QUILLON_OK && memcmp(dw, d6, sizeof dw) == 0);
+        memcpy(dw, a, sizeof dw);
+        CHECK(quillon_gd_vec_unit_gd(a, d6, 2) == QUILLON_OK);
+        CHECK(quillon_gd_vec_unit_gd(dw, dw, 2) == QUILLON_OK && memcmp(dw, d6, sizeof dw) == 0);
+        memcpy(dw, a, sizeof dw);
+        CHECK(quillon_d_vec_add(dw, dw, dw, 2) == QUILLON_OK && dw[0] == 2.0 && dw[5] == 1.0);
+    }
+
+    /* Null arrays: with n > 0 an error and nothing written; with n = 0 nothing to do. */
+    d3[0] = 42.0;
+    CHECK(quillon_d_vec_add(NULL, dx, d3, 1) == QUILLON_NULL_ARGUMENT && d3[0] == 42.0);
+    CHECK(quillon_d_vec_add(dx, NULL, d3, 1) == QUILLON_NULL_ARGUMENT && d3[0] == 42.0);
+    CHECK(quillon_d_vec_add(dx, dy, NULL, 1) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_gi_vec_cross(NULL, NULL, NULL, 0) == QUILLON_OK);
+    CHECK(quillon_f_vec_length(NULL, f3, 1) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_gf_vec_unit(NULL, d3, 1) == QUILLON_NULL_ARGUMENT && d3[0] == 42.0);
+    CHECK(quillon_gd_vec_scale_d(dx, 2.0, NULL, 1) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_i_vec_normalise(NULL, NULL, 0) == QUILLON_OK);
+    CHECK(quillon_gd_vec_project(dx, 1.0, origin, NULL, 1) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_gd_vec_project(NULL, 1.0, origin, s, 1) == QUILLON_NULL_ARGUMENT);
+    CHECK(quillon_d_vec_dot(dx, NULL, d3, 1) == QUILLON_NULL_ARGUMENT && d3[0] == 42.0);
+    quillon_d_vec_from_points(dx, dy, NULL);
+    quillon_d_vec_from_points(NULL, dy, d3);
+    CHECK(d3[0] == 0.0 && d3[1] == 1.0 && d3[2] == 0.0);
+    quillon_d_vec_from_points(dx, NULL, d3);
+    CHECK(d3[0] == -1.0 && d3[1] == 0.0 && same_bits_d(d3[2], 0.0));
+}
+
 /* ---- The battery: the same steps as the C++ reference program. ---- */
 
 static float elem_f(qb_rng* r) { return qb_float(r); }
@@ -454,9 +603,128 @@ RECT_FAMILY(f, float, 25)
 RECT_FAMILY(d, double, 26)
 RECT_FAMILY(gd, double, 27)
 
+/* One vector family: QB_VECTORS vectors a and b a round (one b in four is a with its zeros made
+ * negative, so that from_points gives zero and equal turns on +0 == -0), the scalars of every
+ * type, a depth, an origin, an axis and an amount. "vectors-P" digests the sums, products and the
+ * one-vector calls, "geometry-P" the rest; in-place calls must give the same bits as separate
+ * destinations. */
+#define VECTOR_FAMILY(P, ET, INDEX)                                                                \
+    static void vector_family_##P(void)                                                            \
+    {                                                                                              \
+        qb_rng r;                                                                                  \
+        qb_digest g, h;                                                                            \
+        int round, j, k;                                                                           \
+        r.state = QB_SEED + (INDEX);                                                               \
+        qb_start(&g);                                                                              \
+        qb_start(&h);                                                                              \
+        for (round = 0; round < QB_VECTOR_ROUNDS; ++round) {                                       \
+            ET a[3 * QB_VECTORS], b[3 * QB_VECTORS], out[3 * QB_VECTORS], w[3 * QB_VECTORS];       \
+            ET one[3], depth, amount;                                                              \
+            double unit[3 * QB_VECTORS];                                                           \
+            quillon_screen_point screen[QB_VECTORS], origin;                                       \
+            float sf, sgf;                                                                         \
+            double sd, sgd;                                                                        \
+            char axis;                                                                             \
+            for (j = 0; j < QB_VECTORS; ++j) {                                                     \
+                for (k = 0; k < 3; ++k) a[3 * j + k] = elem_##P(&r);                               \
+                if (qb_next(&r) % 4 == 0) {                                                        \
+                    for (k = 0; k < 3; ++k) b[3 * j + k] = a[3 * j + k] == 0 ? -a[3 * j + k] : a[3 * j + k]; \
+                } else {                                                                           \
+                    for (k = 0; k < 3; ++k) b[3 * j + k] = elem_##P(&r);                           \
+                }                                                                                  \
+            }                                                                                      \
+            sf = qb_float(&r);                                                                     \
+            sd = qb_double(&r);                                                                    \
+            sgf = qb_float(&r);                                                                    \
+            sgd = qb_double(&r);                                                                   \
+            depth = elem_##P(&r);                                                                  \
+            origin.x = qb_int(&r);                                                                 \
+            origin.y = qb_int(&r);                                                                 \
+            axis = qb_axis(&r);                                                                    \
+            amount = elem_##P(&r);                                                                 \
+                                                                                                   \
+            CHECK(quillon_##P##_vec_add(a, b, out, QB_VECTORS) == QUILLON_OK);                     \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_add(w, b, w, QB_VECTORS) == QUILLON_OK);                       \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            CHECK(quillon_##P##_vec_sub(a, b, out, QB_VECTORS) == QUILLON_OK);                     \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            memcpy(w, b, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_sub(a, w, w, QB_VECTORS) == QUILLON_OK);                       \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            CHECK(quillon_##P##_vec_mul(a, b, out, QB_VECTORS) == QUILLON_OK);                     \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            CHECK(quillon_##P##_vec_scale_f(a, sf, out, QB_VECTORS) == QUILLON_OK);                \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            CHECK(quillon_##P##_vec_scale_d(a, sd, out, QB_VECTORS) == QUILLON_OK);                \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_scale_d(w, sd, w, QB_VECTORS) == QUILLON_OK);                  \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            CHECK(quillon_##P##_vec_scale_gf(a, sgf, out, QB_VECTORS) == QUILLON_OK);              \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            CHECK(quillon_##P##_vec_scale_gd(a, sgd, out, QB_VECTORS) == QUILLON_OK);              \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&g, out[k]);                              \
+            for (j = 0; j < QB_VECTORS; ++j) {                                                     \
+                quillon_##P##_vec_from_points(a + 3 * j, b + 3 * j, one);                          \
+                for (k = 0; k < 3; ++k) put_##P(&g, one[k]);                                       \
+                qb_put_int(&g, quillon_##P##_vec_equal(a + 3 * j, b + 3 * j));                     \
+                qb_put_int(&g, quillon_##P##_vec_not_equal(a + 3 * j, b + 3 * j));                 \
+                memcpy(one, a + 3 * j, sizeof one);                                                \
+                quillon_##P##_vec_add_to_axis(one, axis, amount);                                  \
+                for (k = 0; k < 3; ++k) put_##P(&g, one[k]);                                       \
+            }                                                                                      \
+                                                                                                   \
+            CHECK(quillon_##P##_vec_cross(a, b, out, QB_VECTORS) == QUILLON_OK);                   \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&h, out[k]);                              \
+            memcpy(w, b, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_cross(a, w, w, QB_VECTORS) == QUILLON_OK);                     \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_cross(w, b, w, QB_VECTORS) == QUILLON_OK);                     \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            CHECK(quillon_##P##_vec_cross(b, a, out, QB_VECTORS) == QUILLON_OK);                   \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&h, out[k]);                              \
+            CHECK(quillon_##P##_vec_dot(a, b, out, QB_VECTORS) == QUILLON_OK);                     \
+            for (k = 0; k < QB_VECTORS; ++k) put_##P(&h, out[k]);                                  \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_dot(w, b, w, QB_VECTORS) == QUILLON_OK);                       \
+            CHECK(memcmp(w, out, QB_VECTORS * sizeof w[0]) == 0);                                  \
+            CHECK(quillon_##P##_vec_length(a, out, QB_VECTORS) == QUILLON_OK);                     \
+            for (k = 0; k < QB_VECTORS; ++k) put_##P(&h, out[k]);                                  \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_length(w, w, QB_VECTORS) == QUILLON_OK);                       \
+            CHECK(memcmp(w, out, QB_VECTORS * sizeof w[0]) == 0);                                  \
+            CHECK(quillon_##P##_vec_unit(a, unit, QB_VECTORS) == QUILLON_OK);                      \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) qb_put_double(&h, unit[k]);                       \
+            CHECK(quillon_##P##_vec_unit_gd(a, unit, QB_VECTORS) == QUILLON_OK);                   \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) qb_put_double(&h, unit[k]);                       \
+            CHECK(quillon_##P##_vec_normalise(a, out, QB_VECTORS) == QUILLON_OK);                  \
+            for (k = 0; k < 3 * QB_VECTORS; ++k) put_##P(&h, out[k]);                              \
+            memcpy(w, a, sizeof w);                                                                \
+            CHECK(quillon_##P##_vec_normalise(w, w, QB_VECTORS) == QUILLON_OK);                    \
+            CHECK(memcmp(w, out, sizeof w) == 0);                                                  \
+            CHECK(quillon_##P##_vec_project(a, depth, origin, screen, QB_VECTORS) == QUILLON_OK);  \
+            for (k = 0; k < QB_VECTORS; ++k) {                                                     \
+                qb_put_int(&h, screen[k].x);                                                       \
+                qb_put_int(&h, screen[k].y);                                                       \
+            }                                                                                      \
+        }                                                                                          \
+        qb_print("vectors-" #P, &g);                                                               \
+        qb_print("geometry-" #P, &h);                                                              \
+    }
+VECTOR_FAMILY(i, int32_t, 28)
+VECTOR_FAMILY(f, float, 29)
+VECTOR_FAMILY(d, double, 30)
+VECTOR_FAMILY(gi, int32_t, 31)
+VECTOR_FAMILY(gf, float, 32)
+VECTOR_FAMILY(gd, double, 33)
+
 int main(void)
 {
     hand_picked();
+    hand_picked_vectors();
     guard_families();
     transform_family_f();
     transform_family_d();
@@ -467,6 +735,7 @@ int main(void)
     rect_family_f();
     rect_family_d();
     rect_family_gd();
+    vector_family_i(); vector_family_f(); vector_family_d(); vector_family_gi(); vector_family_gf(); vector_family_gd();
     if (failures) fprintf(stderr, "%d checks failed\n", failures);
     return failures ? 1 : 0;
 }

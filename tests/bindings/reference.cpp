@@ -2,6 +2,7 @@
 // The C++ side of the C interface's battery: the same steps as c_interface_test.c, through the C++
 // members and operators, printing the same digests. The two outputs must be equal line for line.
 #include <quillon/Region>
+#include <quillon/ThreeDVector>
 #include <quillon/Transform>
 
 #include "battery.h"
@@ -292,6 +293,117 @@ void rectFamily(const char* name, int index)
     qb_print(name, &g);
 }
 
+// A raw value of each element type drawn as the C test draws it, and how it enters the class.
+template <class T> struct Kind;
+template <> struct Kind<int> {
+    using C = std::int32_t;
+    static C draw(qb_rng* r) { return qb_int(r); }
+    static int enter(C v) { return v; }
+};
+template <> struct Kind<float> {
+    using C = float;
+    static C draw(qb_rng* r) { return qb_float(r); }
+    static float enter(C v) { return v; }
+};
+template <> struct Kind<double> {
+    using C = double;
+    static C draw(qb_rng* r) { return qb_double(r); }
+    static double enter(C v) { return v; }
+};
+template <> struct Kind<guardint> {
+    using C = std::int32_t;
+    static C draw(qb_rng* r) { return qb_int(r); }
+    static guardint enter(C v) { return guardint(static_cast<int>(v)); }
+};
+template <> struct Kind<guardfloat> {
+    using C = float;
+    static C draw(qb_rng* r) { return qb_float(r); }
+    static guardfloat enter(C v) { return guardfloat(static_cast<double>(v)); }
+};
+template <> struct Kind<guarddouble> {
+    using C = double;
+    static C draw(qb_rng* r) { return qb_double(r); }
+    static guarddouble enter(C v) { return guarddouble(v); }
+};
+
+template <class U>
+void putVector(qb_digest* g, const ThreeDVector<U>& v)
+{
+    put(g, v.GetX());
+    put(g, v.GetY());
+    put(g, v.GetZ());
+}
+
+template <class T>
+void vectorFamily(const char* prefix, int index)
+{
+    using K = Kind<T>;
+    using C = typename K::C;
+    using V = ThreeDVector<T>;
+    qb_rng r{QB_SEED + index};
+    qb_digest g, h;
+    qb_start(&g);
+    qb_start(&h);
+    for (int round = 0; round < QB_VECTOR_ROUNDS; ++round) {
+        C a[3 * QB_VECTORS], b[3 * QB_VECTORS];
+        for (int j = 0; j < QB_VECTORS; ++j) {
+            for (int k = 0; k < 3; ++k) a[3 * j + k] = K::draw(&r);
+            if (qb_next(&r) % 4 == 0) {
+                for (int k = 0; k < 3; ++k) b[3 * j + k] = a[3 * j + k] == 0 ? -a[3 * j + k] : a[3 * j + k];
+            } else {
+                for (int k = 0; k < 3; ++k) b[3 * j + k] = K::draw(&r);
+            }
+        }
+        const float sf = qb_float(&r);
+        const double sd = qb_double(&r);
+        const float sgf = qb_float(&r);
+        const double sgd = qb_double(&r);
+        const C depth = K::draw(&r);
+        const int ox = qb_int(&r), oy = qb_int(&r);
+        const char axis = qb_axis(&r);
+        const C amount = K::draw(&r);
+
+        std::vector<V> va, vb;
+        for (int j = 0; j < QB_VECTORS; ++j) {
+            va.emplace_back(K::enter(a[3 * j]), K::enter(a[3 * j + 1]), K::enter(a[3 * j + 2]));
+            vb.emplace_back(K::enter(b[3 * j]), K::enter(b[3 * j + 1]), K::enter(b[3 * j + 2]));
+        }
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j] + vb[j]);
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j] - vb[j]);
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j] * vb[j]);
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j].operator*(sf));
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j].operator*(sd));
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j].operator*(guardfloat(static_cast<double>(sgf))));
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&g, va[j].operator*(guarddouble(sgd)));
+        for (int j = 0; j < QB_VECTORS; ++j) {
+            putVector(&g, V(va[j], vb[j]));
+            put(&g, std::int32_t{va[j] == vb[j]});
+            put(&g, std::int32_t{va[j] != vb[j]});
+            V moved(va[j]);
+            moved.AddToAxis(axis, K::enter(amount));
+            putVector(&g, moved);
+        }
+
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&h, va[j].Cross(vb[j]));
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&h, vb[j].Cross(va[j]));
+        for (int j = 0; j < QB_VECTORS; ++j) put(&h, va[j].Dot(vb[j]));
+        for (int j = 0; j < QB_VECTORS; ++j) put(&h, va[j].Length());
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&h, va[j].Unit());
+        for (int j = 0; j < QB_VECTORS; ++j) putVector(&h, va[j].Unit(guarddouble()));
+        for (int j = 0; j < QB_VECTORS; ++j) {
+            V normalised(va[j]);
+            putVector(&h, normalised.Normalise());
+        }
+        for (int j = 0; j < QB_VECTORS; ++j) {
+            const ScreenPoint s = va[j].Project(K::enter(depth), ScreenPoint{ox, oy});
+            put(&h, std::int32_t{s.x});
+            put(&h, std::int32_t{s.y});
+        }
+    }
+    qb_print((std::string("vectors-") + prefix).c_str(), &g);
+    qb_print((std::string("geometry-") + prefix).c_str(), &h);
+}
+
 } // namespace
 
 int main()
@@ -306,5 +418,11 @@ int main()
     rectFamily<float>("rects-f", 25);
     rectFamily<double>("rects-d", 26);
     rectFamily<guarddouble>("rects-gd", 27);
+    vectorFamily<int>("i", 28);
+    vectorFamily<float>("f", 29);
+    vectorFamily<double>("d", 30);
+    vectorFamily<guardint>("gi", 31);
+    vectorFamily<guardfloat>("gf", 32);
+    vectorFamily<guarddouble>("gd", 33);
     return 0;
 }

@@ -164,8 +164,10 @@ def test_battery_agrees_with_cpp_bit_for_bit():
     reference = os.environ.get("QUILLON_REFERENCE")
     if not reference:
         pytest.skip("QUILLON_REFERENCE (the C++ reference program) is not set; run through ctest")
-    expected = subprocess.run([reference], check=True, capture_output=True, text=True).stdout.splitlines()
-    assert len(expected) == 27
+    printed = subprocess.run([reference], check=True, capture_output=True, text=True).stdout.splitlines()
+    # The vector families are the C interface's; the module has no vectors of its own.
+    expected = [line for line in printed if not line.startswith(("vectors-", "geometry-"))]
+    assert len(printed) == 39 and len(expected) == 27
     assert battery_lines() == expected
 
 
