@@ -12,6 +12,8 @@
 #include <quillon/Transform>
 #include <quillon/quillon.h>
 
+#include "module_common.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -19,11 +21,9 @@
 #include <variant>
 
 namespace py = pybind11;
+using namespace quillon_python;
 
 namespace {
-
-// Above this many points the mapping runs without the interpreter lock.
-constexpr py::ssize_t kReleaseLockAt = 4096;
 
 // How each transform element type meets numpy and the C interface.
 template <class T> struct Kind;
@@ -67,37 +67,6 @@ template <> struct MapCalls<quillon_gd_transform> {
     static constexpr auto rects = quillon_gd_map_rects;
 };
 
-std::string shapeText(const py::array& a)
-{
-    std::string s = "(";
-    for (py::ssize_t k = 0; k < a.ndim(); ++k) s += (k ? ", " : "") + std::to_string(a.shape(k));
-    return s + (a.ndim() == 1 ? ",)" : ")");
-}
-
-py::array asArray(const py::object& o, const char* what)
-{
-    py::array a = py::array::ensure(o);
-    if (!a) throw py::type_error(std::string(what) + ": expected a numpy array or a sequence of numbers");
-    return a;
-}
-
-// A C-contiguous array of exactly this element type and (n, width) shape; a strided array is
-// copied, any other dtype or shape is refused.
-template <class V>
-py::array_t<V, py::array::c_style> rowsOf(const py::array& a, py::ssize_t width, const char* what)
-{
-    if (a.ndim() != 2 || a.shape(1) != width)
-        throw py::value_error(std::string(what) + ": expected an (n, " + std::to_string(width) +
-                              ") array, got shape " + shapeText(a));
-    auto rows = py::array_t<V, py::array::c_style>::ensure(a);
-    if (!rows) throw py::type_error(std::string(what) + ": could not read the array");
-    // A misaligned buffer (numpy.frombuffer at an odd offset) is copied too, so that every
-    // element is read at its own alignment.
-    if (!rows.attr("flags").attr("aligned").template cast<bool>())
-        rows = py::array_t<V, py::array::c_style>::ensure(rows.attr("copy")());
-    return rows;
-}
-
 // The element type of a Transform<T> (or of a reference to one).
 template <class X> struct ElementOfImpl;
 template <class T> struct ElementOfImpl<Transform<T>> { using type = T; };
@@ -111,16 +80,6 @@ AnyTransform transformOfKind(const std::string& kind)
     if (kind == "float64") return Transform<double>();
     if (kind == "guarddouble") return Transform<guarddouble>();
     throw py::type_error("Transform: dtype must be float32, float64 or 'guarddouble', not " + kind);
-}
-
-// "guarddouble" as it is; anything else as numpy reads a dtype (np.float32, "float64", "f8", ...).
-std::string dtypeName(const py::object& dtype)
-{
-    if (py::isinstance<py::str>(dtype)) {
-        const std::string s = dtype.cast<std::string>();
-        if (s.rfind("guard", 0) == 0) return s;
-    }
-    return py::dtype::from_args(dtype).attr("name").cast<std::string>();
 }
 
 class PyTransform {
