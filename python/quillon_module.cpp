@@ -288,6 +288,7 @@ PYBIND11_MODULE(quillon, m)
     m.doc() = "Exact 4x4 transforms, point and region mapping over numpy arrays, and the saturating "
               "guard scalars, with the same bits as the C++ library";
     m.attr("__version__") = quillon_version();
+    addVectors(m);
 
     py::class_<PyTransform>(m, "Transform", "A 4x4 homogeneous matrix over float32, float64 or guarddouble")
         .def(py::init(&PyTransform::make), py::arg("dtype") = "float64", py::arg("elements") = py::none(),
