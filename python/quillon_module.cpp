@@ -289,6 +289,7 @@ PYBIND11_MODULE(quillon, m)
               "guard scalars, with the same bits as the C++ library";
     m.attr("__version__") = quillon_version();
     addVectors(m);
+    addGuardArrays(m);
 
     py::class_<PyTransform>(m, "Transform", "A 4x4 homogeneous matrix over float32, float64 or guarddouble")
         .def(py::init(&PyTransform::make), py::arg("dtype") = "float64", py::arg("elements") = py::none(),
