@@ -298,14 +298,14 @@ PYBIND11_MODULE(quillon, m)
         .def_static("from_angles", &PyTransform::fromAngles, py::arg("ax"), py::arg("ay"), py::arg("az"),
                     py::arg("dtype") = "float64",
                     "Rotation Rx(ax) Ry(ay) Rz(az) in radians: turns about z first, then y, then x, about the fixed axes")
-        .def_property_readonly("dtype", &PyTransform::dtype)
+        .def_property_readonly("dtype", &PyTransform::dtype, "'float32', 'float64' or 'guarddouble'")
         .def_property("elements", &PyTransform::elements, &PyTransform::setElements,
                       "The 16 elements as a new (4, 4) array (float64 raw values for guarddouble)")
         .def("__array__", [](const PyTransform& t, py::object dtype, py::kwargs) -> py::object {
                  py::object e = t.elements();
                  return dtype.is_none() ? e : e.attr("astype")(dtype);
              }, py::arg("dtype") = py::none())
-        .def("copy", [](const PyTransform& t) { return t; })
+        .def("copy", [](const PyTransform& t) { return t; }, "A new transform with the same elements")
         .def("__copy__", [](const PyTransform& t) { return t; })
         .def("__deepcopy__", [](const PyTransform& t, py::object) { return t; })
         .def("turn_x", [](PyTransform& t, double a) -> PyTransform& { return t.inPlace([a](auto& v) { v.Function_2422(a); }); },
@@ -325,25 +325,32 @@ PYBIND11_MODULE(quillon, m)
                  return t.withElement(amount, [a](auto& v, auto e) { v.Function_2428(a, e); });
              }, py::arg("axis"), py::arg("amount"),
              "Adds amount to the translation along 'x', 'y' or 'z' (either case; any other letter does nothing); returns self")
-        .def("transpose", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2417(); }); })
-        .def("transpose_in_place", [](PyTransform& t) -> PyTransform& { return t.inPlace([](auto& v) { v.Function_2429(); }); })
+        .def("transpose", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2417(); }); },
+             "A new transform, rows and columns exchanged")
+        .def("transpose_in_place", [](PyTransform& t) -> PyTransform& { return t.inPlace([](auto& v) { v.Function_2429(); }); },
+             "Exchanges rows and columns; returns self")
         .def("reset", [](PyTransform& t) -> PyTransform& { return t.inPlace([](auto& v) { v.Function_2430(); }); },
              "Back to the identity; returns self")
         .def("clear", [](PyTransform& t) -> PyTransform& { return t.inPlace([](auto& v) { v.Function_2431(); }); },
              "All sixteen elements 0; returns self")
-        .def("adjoint", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2412(); }); })
-        .def("determinant", [](const PyTransform& t) { return t.scalar(0); })
+        .def("adjoint", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2412(); }); },
+             "A new transform: the adjoint (transposed cofactors), in the element type's arithmetic")
+        .def("determinant", [](const PyTransform& t) { return t.scalar(0); },
+             "The determinant, as a Python float (the raw value for guarddouble)")
         .def("inverse", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2415(); }); },
              "The inverse; a singular matrix (determinant exactly 0) gives the identity")
         .def("without_translation", [](const PyTransform& t) { return t.derived([](const auto& v) { return v.Function_2421(); }); },
              "A copy with the translation cleared and e[3][3] = 1")
-        .def_property_readonly("e10", [](const PyTransform& t) { return t.scalar(1); })
-        .def_property_readonly("e20", [](const PyTransform& t) { return t.scalar(2); })
-        .def_property_readonly("e30", [](const PyTransform& t) { return t.scalar(3); })
+        .def_property_readonly("e10", [](const PyTransform& t) { return t.scalar(1); }, "Element e[1][0], as a Python float")
+        .def_property_readonly("e20", [](const PyTransform& t) { return t.scalar(2); }, "Element e[2][0], as a Python float")
+        .def_property_readonly("e30", [](const PyTransform& t) { return t.scalar(3); }, "Element e[3][0], as a Python float")
         .def("__matmul__", &PyTransform::compose, "Composition: (a @ b) maps as a after b")
         .def("map", &PyTransform::map, py::arg("points"), py::arg("dtype") = py::none(),
              "Maps an (n, 3) array of points to a new array of the same type: int32, float32, float64, or "
-             "dtype='guardint', 'guardfloat', 'guarddouble' over int32, float32, float64 raw values")
+             "dtype='guardint', 'guardfloat', 'guarddouble' over int32, float32, float64 raw values. Each "
+             "image is stored as the point type: int cut toward zero, guardint to nearest, float rounded "
+             "once. A wrong shape raises ValueError, a wrong dtype TypeError; strided arrays are copied. "
+             "Without the interpreter lock from 4096 points up.")
         .def("map_rects", &PyTransform::mapRects, py::arg("rects"),
              "Maps the region that is the union of an (n, 4) int32 array of rectangles (left, top, right, "
              "bottom); returns the mapped region's rectangles as an (m, 4) int32 array")
@@ -376,7 +383,7 @@ PYBIND11_MODULE(quillon, m)
     guardConstructors(gf);
     gf.def_property_readonly("value", [](const guardfloat& g) { return static_cast<double>(g.value()); },
                              "The stored float, as a Python float")
-        .def("nint", &guardfloat::nint)
+        .def("nint", &guardfloat::nint, "Nearest integer, ties away from zero, limited to +-2147483647; NaN gives 0")
         .def("__int__", &guardfloat::nint)
         .def(py::self + py::self)
         .def(py::self - py::self)
