@@ -7,7 +7,9 @@ with its exact output (a program that includes <windows.h> is for the platform's
 built by the Windows test suite instead). Each program is compiled with the given compiler and flags, linked, run, and
 its standard output compared with that block. A ```c block with a main function is a C program,
 checked the same way with the C compiler and flags given after --c. Blocks without main are
-fragments and not checked.
+fragments and not checked. A ```python block followed at once by a ```text block is a Python
+program, run with the interpreter $QUILLON_PYTHON (this one if unset) and the module found in
+$QUILLON_PYTHON_SITE.
 
 A block whose first line starts with "$ quillon" is a session: each "$ quillon ..." line is run
 with the given tool and must print the lines under it (standard output, then standard error); a
@@ -72,6 +74,20 @@ def blocks(text):
     return out
 
 
+def check_python(body, expected, where):
+    site = os.environ.get("QUILLON_PYTHON_SITE")
+    if not site:
+        return [f"{where}: QUILLON_PYTHON_SITE does not say where the module is"]
+    env = dict(os.environ, PYTHONPATH=site)
+    python = os.environ.get("QUILLON_PYTHON") or sys.executable
+    ran = subprocess.run([python, "-c", body], capture_output=True, text=True, timeout=60, env=env)
+    if ran.returncode != 0:
+        return [f"{where} exits with status {ran.returncode}:\n{ran.stderr}"]
+    if ran.stdout != expected:
+        return [f"{where} prints\n{ran.stdout}where the text says\n{expected}"]
+    return []
+
+
 def main():
     readme, work, tool = sys.argv[1], sys.argv[2], sys.argv[3]
     rest = sys.argv[4:]
@@ -87,6 +103,10 @@ def main():
         if body.startswith("$ quillon"):
             sessions += 1
             failures += check_session(body, tool, f"{os.path.basename(readme)}, the session at line {line}")
+            continue
+        if info == "python" and k + 1 < len(found) and found[k + 1][1] == "text":
+            programs += 1
+            failures += check_python(body, found[k + 1][2], f"{os.path.basename(readme)}, the Python program at line {line}")
             continue
         if info not in ("cpp", "c") or not re.search(r"\bint\s+main\s*\(", body) or "#include <windows.h>" in body:
             continue
