@@ -84,7 +84,8 @@ TEST(WideInteger, AgreesWithTheBuiltInType)
         for (const std::int64_t b : values) {
             const __int128 p = static_cast<__int128>(a) * b;
             ASSERT_TRUE(same(Wide::product(a, b), p)) << a << " " << b;
-            for (const std::int64_t c : {std::int64_t(1), std::int64_t(3), std::int64_t(1000003), b > 0 ? b : -b}) {
+            const std::int64_t magnitude = b == std::numeric_limits<std::int64_t>::min() ? 0 : b < 0 ? -b : b;
+            for (const std::int64_t c : {std::int64_t(1), std::int64_t(3), std::int64_t(1000003), magnitude}) {
                 if (c <= 0) continue;
                 const __int128 sum = p + static_cast<__int128>(a) * 7 - b;
                 const __int128 q = sum / c;
