@@ -17,6 +17,7 @@
 #include <quillon/Region>
 
 #include "ScanConversion.h"
+#include "Wide.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -393,14 +394,6 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
 // band of at least one rectangle: every row for an edge that moves a column a row or more, one
 // row per column crossed for a steeper one.
 
-using Wide = __int128;
-
-constexpr Wide floorDivWide(Wide a, Wide b) noexcept // b > 0
-{
-    const Wide q = a / b;
-    return q * b > a ? q - 1 : q;
-}
-
 // A part of an edge on which its x is exactly base + ceil((y - y1) dx / dy). The walk adds the
 // 32-bit differences dx and dy of the edge's ends and wraps x to 32 bits: on the rows where
 // x1 + ceil((y - y1) dx / dy) leaves the 32-bit range, x is that less (or plus) 2^32, so an edge
@@ -415,7 +408,9 @@ constexpr std::int64_t kTwo32 = std::int64_t(1) << 32;
 
 std::int64_t ceilDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
 {
-    return static_cast<std::int64_t>(-floorDivWide(-Wide(a), b));
+    // Division truncates toward zero, which is the ceiling unless a positive remainder is left.
+    const std::int64_t q = a / b;
+    return a % b > 0 ? q + 1 : q;
 }
 
 // x of an edge (upper end x1, y1; differences dx, dy) k rows below its upper end, before wrapping.
@@ -462,27 +457,28 @@ bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, s
 {
     for (const Line* g : active) {
         if (g == e) continue;
-        const Wide dyProduct = Wide(g->dy) * e->dy;
+        // dy < 2^27, |dx| <= 2^31, |y1| <= 2^31 and |base| < 2^34: every factor pair below fits
+        // 64 bits, and only the sums of the products need the wide type.
+        const std::int64_t dyProduct = g->dy * e->dy;
         // g(y) - e(y) - 1 = (g.base - e.base - 1) + (y - g.y1) g.dx / g.dy - (y - e.y1) e.dx / e.dy
-        Wide slope = Wide(g->dx) * e->dy - Wide(e->dx) * g->dy;
-        Wide at0 = Wide(g->base - e->base - 1) * dyProduct - Wide(g->y1) * g->dx * e->dy +
-                   Wide(e->y1) * e->dx * g->dy;
+        std::int64_t slope = g->dx * e->dy - e->dx * g->dy;
+        const Wide gTerm = Wide::product(g->y1 * g->dx, e->dy), eTerm = Wide::product(e->y1 * e->dx, g->dy);
+        Wide at0 = Wide::product(g->base - e->base - 1, dyProduct) - gTerm + eTerm;
         if (!left) { // e(y) - g(y) - 1
             slope = -slope;
-            at0 = -Wide(g->base - e->base + 1) * dyProduct + Wide(g->y1) * g->dx * e->dy -
-                  Wide(e->y1) * e->dx * g->dy;
+            at0 = -Wide::product(g->base - e->base + 1, dyProduct) + gTerm - eTerm;
         }
         // at0 + slope y >= 0
         if (slope == 0) {
-            if (at0 < 0) return false;
+            if (at0.negative()) return false;
         } else if (slope > 0) {
-            const Wide lowest = -floorDivWide(at0, slope); // ceil(-at0 / slope)
-            if (lowest > to) return false;
-            if (lowest > from) from = static_cast<std::int64_t>(lowest);
+            const Wide lowest = -Wide::floorDiv(at0, slope); // ceil(-at0 / slope)
+            if (lowest > Wide(to)) return false;
+            if (lowest > Wide(from)) from = lowest.to64();
         } else {
-            const Wide highest = floorDivWide(at0, -slope);
-            if (highest < from) return false;
-            if (highest < to) to = static_cast<std::int64_t>(highest);
+            const Wide highest = Wide::floorDiv(at0, -slope);
+            if (highest < Wide(from)) return false;
+            if (highest < Wide(to)) to = highest.to64();
         }
     }
     return from < to;

@@ -228,7 +228,7 @@ void transformFamilies(Run& run, Random& r, const char* type)
         m.Function_2425(draw<T>(r));
         m.Function_2426(draw<T>(r));
         m.Function_2427(draw<T>(r));
-        static const char axes[] = {'x', 'X', 'y', 'Y', 'z', 'Z', 'w', '[', 'a', '{', '0', 0, -3};
+        static const char axes[] = {'x', 'X', 'y', 'Y', 'z', 'Z', 'w', '[', 'a', '{', '0', 0, '\xFD'};
         for (int k = 0; k < 2; ++k) { // one draw per statement: argument order differs by compiler
             const char axis = axes[r.below(sizeof axes)];
             const T amount = draw<T>(r);

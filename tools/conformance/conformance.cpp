@@ -109,17 +109,31 @@ Transform<T> drawTransform(Random& r)
 }
 
 // ---- Digests ----
+//
+// Values are hashed, not the bytes that hold them: each one is fed to the hash a byte at a time,
+// least significant first, so that every byte order gives the same digest.
 
-std::uint64_t fnv(const void* data, std::size_t n, std::uint64_t h = 0xCBF29CE484222325u)
+std::uint64_t fnv(std::uint64_t value, int bytes, std::uint64_t h = 0xCBF29CE484222325u)
 {
-    const auto* p = static_cast<const unsigned char*>(data);
-    for (std::size_t i = 0; i < n; ++i) h = (h ^ p[i]) * 0x100000001B3u;
+    for (int i = 0; i < bytes; ++i) h = (h ^ ((value >> (8 * i)) & 0xFF)) * 0x100000001B3u;
     return h;
 }
 
-std::uint64_t hashOf(double v) { if (v != v) v = std::numeric_limits<double>::quiet_NaN(); return fnv(&v, 8); }
-std::uint64_t hashOf(float v) { if (v != v) v = std::numeric_limits<float>::quiet_NaN(); return fnv(&v, 4); }
-std::uint64_t hashOf(int v) { return fnv(&v, 4); }
+std::uint64_t hashOf(double v)
+{
+    if (v != v) v = std::numeric_limits<double>::quiet_NaN();
+    std::uint64_t bits;
+    std::memcpy(&bits, &v, 8);
+    return fnv(bits, 8);
+}
+std::uint64_t hashOf(float v)
+{
+    if (v != v) v = std::numeric_limits<float>::quiet_NaN();
+    std::uint32_t bits;
+    std::memcpy(&bits, &v, 4);
+    return fnv(bits, 4);
+}
+std::uint64_t hashOf(int v) { return fnv(static_cast<std::uint32_t>(v), 4); }
 std::uint64_t hashOf(const guardint& v) { return hashOf(v.value()); }
 std::uint64_t hashOf(const guardfloat& v) { return hashOf(v.value()); }
 std::uint64_t hashOf(const guarddouble& v) { return hashOf(v.value()); }
@@ -252,8 +266,13 @@ std::uint64_t hashOfRegion(HRGN region)
     auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
     std::uint64_t h = 1;
     if (size >= sizeof(RGNDATAHEADER) && GetRegionData(region, size, data) != 0) {
-        const char* rects = buffer.data() + data->rdh.dwSize;
-        h = fnv(rects, data->rdh.nCount * sizeof(RECT));
+        h = 0xCBF29CE484222325u;
+        for (DWORD i = 0; i < data->rdh.nCount; ++i) {
+            RECT rect;
+            std::memcpy(&rect, buffer.data() + data->rdh.dwSize + i * sizeof(RECT), sizeof rect);
+            for (const LONG v : {rect.left, rect.top, rect.right, rect.bottom})
+                h = fnv(static_cast<std::uint32_t>(v), 4, h);
+        }
     }
     DeleteObject(region);
     return h;
@@ -352,10 +371,11 @@ int main(int argc, char** argv)
 
     std::uint64_t all = 0xCBF29CE484222325u, exact = all;
     for (const auto& [name, family] : families) {
-        const std::uint64_t digest = fnv(family.results.data(), family.results.size() * 8);
+        std::uint64_t digest = 0xCBF29CE484222325u;
+        for (const std::uint64_t h : family.results) digest = fnv(h, 8, digest);
         std::printf("%-20s %016llx %zu\n", name.c_str(), static_cast<unsigned long long>(digest), family.results.size());
-        all = fnv(&digest, 8, all);
-        if (name.find("trig") == std::string::npos) exact = fnv(&digest, 8, exact);
+        all = fnv(digest, 8, all);
+        if (name.find("trig") == std::string::npos) exact = fnv(digest, 8, exact);
         if (dump) {
             const std::string path = std::string(dump) + "/" + name + ".txt";
             if (std::FILE* out = std::fopen(path.c_str(), "wb")) {
