@@ -7,28 +7,18 @@ module agree.
 usage: check_types.py MYPY README.md [FILE.py ...]
 """
 import os
-import re
 import subprocess
 import sys
 import tempfile
 
-FENCE = re.compile(r"^```(\S*)\s*$")
+# The README's fenced blocks, read as the README check reads them.
+sys.path.insert(0, os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+from check_readme import blocks  # noqa: E402
 
 
 def python_blocks(text):
     """(line number, body) of each ```python block."""
-    out, current = [], None
-    for number, line in enumerate(text.splitlines(), 1):
-        m = FENCE.match(line)
-        if current is None and m:
-            current = (number, m.group(1), [])
-        elif current is not None and line.rstrip() == "```":
-            if current[1] == "python":
-                out.append((current[0], "\n".join(current[2]) + "\n"))
-            current = None
-        elif current is not None:
-            current[2].append(line)
-    return out
+    return [(line, body) for line, info, body in blocks(text) if info == "python"]
 
 
 def main():
@@ -36,12 +26,12 @@ def main():
     if not os.environ.get("MYPYPATH"):
         sys.exit("MYPYPATH must name the folder holding quillon.pyi")
     with open(readme, encoding="utf-8") as f:
-        blocks = python_blocks(f.read())
-    if not blocks:
+        found = python_blocks(f.read())
+    if not found:
         sys.exit(f"{readme}: no ```python blocks")
     with tempfile.TemporaryDirectory() as work:
         checked = []
-        for number, body in blocks:
+        for number, body in found:
             # Each block is its own module, named by the README line it starts on.
             path = os.path.join(work, f"readme_line_{number}.py")
             with open(path, "w", encoding="utf-8") as f:
