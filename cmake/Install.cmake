@@ -7,6 +7,10 @@ install(TARGETS guardscalars quillon_region quillon quillon_trig quillon_batch q
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# Under Emscripten the region layer is a static library, and the pixman code it links goes with it.
+if(TARGET quillon_pixman)
+  install(TARGETS quillon_pixman EXPORT QuillonTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endif()
 install(DIRECTORY include/quillon DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # quillon-batch.pc, which quillon.pc requires: the static library of the batch kernels.
 file(RELATIVE_PATH QUILLON_BATCH_PC_TO_PREFIX /root/${CMAKE_INSTALL_LIBDIR}/pkgconfig /root)
