@@ -30,7 +30,9 @@ with tempfile.TemporaryDirectory() as tmp:
         os.mkdir(out)
         argv = shlex.split(command)
         dump = out
-        if argv[0].endswith(('wine', 'wine64')):
+        # The program itself, after any 'env NAME=value' in front of it.
+        program = next((a for a in argv if a != 'env' and '=' not in a), argv[0])
+        if program.endswith(('wine', 'wine64')):
             dump = 'Z:' + out.replace('/', '\\')
         env = dict(os.environ, WINEDEBUG='-all')
         proc = subprocess.run(argv + ['--dump', dump], capture_output=True, text=True, env=env)
