@@ -10,6 +10,7 @@
 // way is released here.
 #include <quillon/Region>
 #include <quillon/Transform>
+#include <quillon/detail/RectangleImage.h>
 
 #if !defined(_WIN32)
 #include "../platform/RegionUnion.h"
@@ -17,7 +18,6 @@
 
 #include <cstddef>
 #include <cstdlib>
-#include <utility>
 
 namespace {
 
@@ -30,23 +30,6 @@ bool rectanglesFit(const RGNDATA* data, DWORD size) noexcept
     return data->rdh.dwSize >= sizeof(RGNDATAHEADER) && end <= size;
 }
 
-// The four corners of a rectangle's image, around it: top left, top right, bottom right, bottom
-// left.
-template <class T>
-void mappedCorners(const Transform<T>& t, RECT r, POINT corners[4]) noexcept
-{
-    if (r.left > r.right) std::swap(r.left, r.right); // the rectangle, normalised
-    if (r.top > r.bottom) std::swap(r.top, r.bottom);
-    const ThreeDVector<double> topLeft = t * ThreeDVector<double>(r.left, r.top, 0.0);
-    const ThreeDVector<double> topRight = t * ThreeDVector<double>(r.right, r.top, 0.0);
-    const ThreeDVector<double> bottomLeft = t * ThreeDVector<double>(r.left, r.bottom, 0.0);
-    const ThreeDVector<double> bottomRight = t * ThreeDVector<double>(r.right, r.bottom, 0.0);
-    corners[0] = {quillon::truncate(topLeft.GetX()), quillon::truncate(topLeft.GetY())};
-    corners[1] = {quillon::truncate(topRight.GetX()), quillon::truncate(topRight.GetY())};
-    corners[2] = {quillon::truncate(bottomRight.GetX()), quillon::truncate(bottomRight.GetY())};
-    corners[3] = {quillon::truncate(bottomLeft.GetX()), quillon::truncate(bottomLeft.GetY())};
-}
-
 #if defined(_WIN32)
 // The platform's functions: piece after piece joined to the result.
 template <class T>
@@ -55,7 +38,7 @@ HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
     HRGN result = nullptr;
     for (DWORD i = 0; i < n; ++i) {
         POINT corners[4];
-        mappedCorners(t, rects[i], corners);
+        quillon::rectangleImage(t, rects[i], corners);
         HRGN piece = CreatePolygonRgn(corners, 4, WINDING);
         if (!piece) continue; // this rectangle is left out
         if (!result)
@@ -80,7 +63,7 @@ HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
         for (DWORD from = 0; from < n; from += kChunk) {
             const DWORD m = n - from < kChunk ? n - from : kChunk;
             for (DWORD i = 0; i < m; ++i) {
-                mappedCorners(t, rects[from + i], corners + 4 * i);
+                quillon::rectangleImage(t, rects[from + i], corners + 4 * i);
                 counts[i] = 4;
             }
             HRGN joined = quillon_region_union_polygons(result, corners, counts, static_cast<int>(m), WINDING);

@@ -7,6 +7,7 @@
 #include "common.h"
 
 #include <quillon/Region>
+#include <quillon/detail/RectangleImage.h>
 
 #include <array>
 #include <memory>
@@ -65,14 +66,12 @@ RegionPicture mapRegion(const Transform<T>& t, HRGN input, std::string title)
     RegionPicture p;
     p.title = std::move(title);
     p.before = rectanglesOf(input);
-    // The quadrilaterals the mapping joins: each corner mapped as a ThreeDVector<double> with
-    // z = 0, truncated toward zero.
-    const auto corner = [&t](int x, int y) {
-        const ThreeDVector<double> v = t * ThreeDVector<double>(x, y, 0.0);
-        return POINT{quillon::truncate(v.GetX()), quillon::truncate(v.GetY())};
-    };
-    for (const Rect& r : p.before)
-        p.quads.push_back({corner(r[0], r[1]), corner(r[2], r[1]), corner(r[2], r[3]), corner(r[0], r[3])});
+    // The quadrilaterals the mapping joins, as the library makes them.
+    for (const Rect& r : p.before) {
+        POINT corners[4];
+        quillon::rectangleImage(t, RECT{r[0], r[1], r[2], r[3]}, corners);
+        p.quads.push_back({corners[0], corners[1], corners[2], corners[3]});
+    }
     const RegionHandle output(t * input);
     p.after = rectanglesOf(output.get());
     return p;
