@@ -414,17 +414,7 @@ T Transform<T>::Function_2413(unsigned int row, unsigned int col) const noexcept
 template <class T>
 Transform<T> Transform<T>::Function_2412() const noexcept
 {
-#if defined(QUILLON_LANES)
-    if constexpr (std::is_same_v<T, float> || std::is_same_v<T, double>) {
-        const quillon::detail::MinorsInLanes<T> minors(elements);
-        T work[16];
-        for (int r = 0; r < 4; ++r) {
-            const quillon::detail::Quad cofactors = minors.cofactors(r);
-            for (int c = 0; c < 4; ++c) work[c * 4 + r] = static_cast<T>(cofactors[c]);
-        }
-        return quillon::detail::fromLinear(work);
-    }
-#endif
+    if constexpr (quillon::detail::LaneForms<T>::present) return quillon::detail::LaneForms<T>::adjoint(elements);
     const quillon::detail::Minors<T> minors(elements);
     T work[16];
     for (int r = 0; r < 4; ++r)
@@ -438,28 +428,7 @@ T Transform<T>::Function_2414() const noexcept { return E::fromWork(quillon::det
 template <class T>
 Transform<T> Transform<T>::Function_2415() const noexcept
 {
-#if defined(QUILLON_LANES)
-    if constexpr (std::is_same_v<T, float> || std::is_same_v<T, double>) {
-        using quillon::detail::Quad;
-        const quillon::detail::MinorsInLanes<T> minors(elements);
-        const T d = static_cast<T>(minors.determinant(elements)); // float: rounded here
-        if (!(d != T(0.0))) return Transform<T>();
-        // The cofactor's sign moves to the divisor: (-m) / d and m / (-d) round alike, and a
-        // float minor rounds to the negation of its negation's rounding, so each quotient keeps
-        // its bits and four multiplications by -1 go.
-        const double dd = static_cast<double>(d);
-        const Quad divisors[2] = {quillon::detail::quad(dd, -dd, dd, -dd), quillon::detail::quad(-dd, dd, -dd, dd)};
-        T work[16];
-#  pragma GCC unroll 4
-        for (int r = 0; r < 4; ++r) {
-            // Quotients, never products with 1/d; for float, of the float cofactor and determinant.
-            const Quad quotients = quillon::detail::stored<T>(quillon::detail::stored<T>(minors.at[r]) / divisors[r % 2]);
-#  pragma GCC unroll 4
-            for (int c = 0; c < 4; ++c) work[c * 4 + r] = static_cast<T>(quotients[c]);
-        }
-        return quillon::detail::fromLinear(work);
-    }
-#endif
+    if constexpr (quillon::detail::LaneForms<T>::present) return quillon::detail::LaneForms<T>::inverse(elements);
     const quillon::detail::Minors<T> minors(elements);
     const T d = E::fromWork(minors.determinant(elements)); // float: rounded here
     if (!(d != T(0.0))) return Transform<T>();
@@ -504,10 +473,8 @@ Transform<T> Transform<T>::Function_2421() const noexcept
 template <class T>
 Transform<T> Transform<T>::operator*(const Transform<T>& right) const noexcept
 {
-#if defined(QUILLON_LANES)
-    if constexpr (std::is_same_v<T, float> || std::is_same_v<T, double>)
-        return quillon::detail::composeInLanes(elements, right.elements);
-#endif
+    if constexpr (quillon::detail::LaneForms<T>::present)
+        return quillon::detail::LaneForms<T>::compose(elements, right.elements);
     Transform<T> product;
     for (int i = 0; i < 4; ++i)
         for (int j = 0; j < 4; ++j) {

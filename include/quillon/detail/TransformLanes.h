@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
-// The lane forms of Transform<T>'s cofactors: four elements' work at once, each lane one element's
-// formula in its order, so the same bits as the one-element formulas of Transform.h, which a test
-// holds them to. Included by Transform.h where it needs them; not a header of its own.
+// The lane forms of Transform<T>'s composition, adjoint and inverse: four elements' work at once,
+// each lane one element's formula in its order, so the same bits as the one-element formulas of
+// Transform.h, which a test holds them to. LaneForms<T> says whether T has them and holds them; the
+// members ask it. Included by Transform.h where it needs them; not a header of its own.
 #pragma once
 
 namespace quillon::detail {
+// No lane forms: the members use the one-element formulas.
+template <class T>
+struct LaneForms {
+    static constexpr bool present = false;
+};
 #if defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12)
 #  define QUILLON_LANES 1
 // Four doubles side by side, as two pairs (the width every x86-64 processor has). The float and
@@ -126,5 +132,49 @@ struct MinorsInLanes {
         return stored<T>(quad(s, -s, s, -s) * at[r]);
     }
 };
+
+// float and double: the members' lane forms.
+template <class T>
+struct FloatingLaneForms {
+    static constexpr bool present = true;
+
+    static Transform<T> compose(const T (&l)[4][4], const T (&m)[4][4]) noexcept { return composeInLanes(l, m); }
+
+    static Transform<T> adjoint(const T (&elements)[4][4]) noexcept
+    {
+        const MinorsInLanes<T> minors(elements);
+        T work[16];
+        for (int r = 0; r < 4; ++r) {
+            const Quad cofactors = minors.cofactors(r);
+            for (int c = 0; c < 4; ++c) work[c * 4 + r] = static_cast<T>(cofactors[c]);
+        }
+        return fromLinear(work);
+    }
+
+    static Transform<T> inverse(const T (&elements)[4][4]) noexcept
+    {
+        const MinorsInLanes<T> minors(elements);
+        const T d = static_cast<T>(minors.determinant(elements)); // float: rounded here
+        if (!(d != T(0.0))) return Transform<T>();
+        // The cofactor's sign moves to the divisor: (-m) / d and m / (-d) round alike, and a
+        // float minor rounds to the negation of its negation's rounding, so each quotient keeps
+        // its bits and four multiplications by -1 go.
+        const double dd = static_cast<double>(d);
+        const Quad divisors[2] = {quad(dd, -dd, dd, -dd), quad(-dd, dd, -dd, dd)};
+        T work[16];
+#  pragma GCC unroll 4
+        for (int r = 0; r < 4; ++r) {
+            // Quotients, never products with 1/d; for float, of the float cofactor and determinant.
+            const Quad quotients = stored<T>(stored<T>(minors.at[r]) / divisors[r % 2]);
+#  pragma GCC unroll 4
+            for (int c = 0; c < 4; ++c) work[c * 4 + r] = static_cast<T>(quotients[c]);
+        }
+        return fromLinear(work);
+    }
+};
+template <>
+struct LaneForms<float> : FloatingLaneForms<float> {};
+template <>
+struct LaneForms<double> : FloatingLaneForms<double> {};
 #endif
 } // namespace quillon::detail
