@@ -244,6 +244,7 @@ def turns(f, t):
         m = draw_transform(f, t)
         t1, t2, t3 = f.angle(), f.angle(), f.angle()
         result(f, (m.turn_x(t1).turn_y(t2).turn_z(t3), put))
+        result(f, (m.map(np.array([[f.real(), f.real(), f.real()]])), Family.double))
 
 
 def mapping(f, t, v):

@@ -183,7 +183,8 @@ void edits(qb_family& f)
     }
 }
 #if !defined(QB_C_ONLY)
-// Construction by sixteen values and from a null array, and the private cofactor.
+// Construction by sixteen values and from a null array, a negative char as the axis, a null
+// region, and the private cofactor.
 template <class T>
 void members(qb_family& f)
 {
@@ -193,7 +194,10 @@ void members(qb_family& f)
         const Transform<T> b(e[0], e[1], e[2], e[3], e[4], e[5], e[6], e[7], e[8], e[9], e[10], e[11], e[12],
                              e[13], e[14], e[15]);
         b.Function_2416(static_cast<const T*>(nullptr)); // ignored
-        result(f, b, Transform<T>(static_cast<const T*>(nullptr)), Transform<T>());
+        Transform<T> moved(b);
+        moved.Function_2428(static_cast<char>(-3), e[0]); // a negative char names no axis
+        const int none = Transform<T>() * static_cast<HRGN>(nullptr) == nullptr;
+        result(f, b, moved, Transform<T>(static_cast<const T*>(nullptr)), Transform<T>(), none);
         for (unsigned k = 0; k < 16; ++k) put(f, cofactorOf(b, k / 4, k % 4));
         qb_end(&f);
     }
@@ -212,6 +216,7 @@ void turns(qb_family& f)
         m.Function_2423(t2);
         m.Function_2424(t3);
         result(f, m);
+        result(f, m * drawVector<double>(r)); // the turn's sine and cosine carried into a mapping
     }
 }
 template <class T, class V>

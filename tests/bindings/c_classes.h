@@ -2,7 +2,8 @@
 // The C++ interface's classes, each member one call into the C interface, so that the battery's
 // families (tests/battery/families.h) run through the C functions unchanged. Where the C
 // interface can write its result over an operand, the class calls it both ways and counts any
-// difference in `differences`, as it does where n points mapped at once differ from one by one.
+// difference in `differences`, as it does where n points mapped at once differ from one by one and
+// where a quotient differs from the division in place.
 #ifndef QUILLON_TEST_C_CLASSES_H
 #define QUILLON_TEST_C_CLASSES_H
 
@@ -47,7 +48,13 @@ struct guardfloat {
     static guardfloat raw(float x) { guardfloat g; g.v = x; return g; }
     int nint() const { return quillon_gf_nint(v); }
     guardfloat& operator+=(const guardfloat& b) { quillon_gf_add_assign(&v, b.v); return *this; }
-    guardfloat& operator/=(const guardfloat& b) { quillon_gf_div_assign(&v, b.v); return *this; }
+    guardfloat& operator/=(const guardfloat& b)
+    {
+        const float quotient = quillon_gf_div(v, b.v);
+        quillon_gf_div_assign(&v, b.v);
+        expectSame(&quotient, &v, 1);
+        return *this;
+    }
 };
 struct guardint {
     int32_t v = 0;
@@ -61,7 +68,13 @@ struct guardint {
     explicit operator double() const { return quillon_gi_to_double(v); }
     explicit operator float() const { return quillon_gi_to_float(v); }
     guardint& operator+=(const guardint& b) { quillon_gi_add_assign(&v, b.v); return *this; }
-    guardint& operator/=(const guardint& b) { quillon_gi_div_assign(&v, b.v); return *this; }
+    guardint& operator/=(const guardint& b)
+    {
+        const int32_t quotient = quillon_gi_div(v, b.v);
+        quillon_gi_div_assign(&v, b.v);
+        expectSame(&quotient, &v, 1);
+        return *this;
+    }
 };
 inline guarddouble::guarddouble(guardint& g) : v(quillon_gd_from_gi(g.v)) {}
 inline guardfloat::guardfloat(guardint& g) : v(quillon_gf_from_gi(g.v)) {}
