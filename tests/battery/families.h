@@ -4,7 +4,8 @@
 // (tests/msvc/interface.h against the DLLs) and the C interface's program (tests/bindings/
 // c_classes.h, the same classes over the C functions). tests/battery/battery.py runs the same
 // families through the Python module. Each family is a template, so that a surface compiles only
-// the families it runs; battery::run names which surfaces reach each.
+// the families it runs; the lists at the end (dllFamilies, beyondDllFamilies, cFamilies) say which
+// surfaces reach which. Adding a member to the battery is one line in a family here.
 //
 // QB_DLL_ONLY leaves out what the DLLs do not export, QB_C_ONLY what the C interface lacks.
 // Before this header: the classes (guarddouble, guardfloat, guardint, ThreeDVector<T>,
@@ -229,8 +230,7 @@ void mapping(qb_family& f)
 }
 
 // ---- Regions: a few rectangles mapped near the identity, turned, and far away ----
-template <class T>
-int drawPieces(qb_rng* r, int* ltrb, int reach, int size, int least)
+inline int drawPieces(qb_rng* r, int* ltrb, int reach, int size, int least)
 {
     const int n = 1 + qb_below(r, 4);
     for (int k = 0; k < n; ++k) {
@@ -249,7 +249,7 @@ void regions(qb_family& f)
     qb_rng* r = &f.rng;
     for (int i = 0; i < 40; ++i) {
         int ltrb[16];
-        const int n = drawPieces<T>(r, ltrb, 200, 120, 0);
+        const int n = drawPieces(r, ltrb, 200, 120, 0);
         T e[16];
         for (int k = 0; k < 16; ++k) {
             const int step = qb_below(r, 41) - 20; // near the identity, fractions in every element
@@ -265,7 +265,7 @@ void turnedRegions(qb_family& f)
     qb_rng* r = &f.rng;
     for (int i = 0; i < 40; ++i) {
         int ltrb[16];
-        const int n = drawPieces<T>(r, ltrb, 100, 60, 1);
+        const int n = drawPieces(r, ltrb, 100, 60, 1);
         const double angle = qb_angle(r);
         const int move = qb_below(r, 100);
         Transform<T> turn;
@@ -283,7 +283,7 @@ void farRegions(qb_family& f)
     qb_rng* r = &f.rng;
     for (int i = 0; i < 30; ++i) {
         int ltrb[16];
-        const int n = drawPieces<T>(r, ltrb, 32, 16, 1);
+        const int n = drawPieces(r, ltrb, 32, 16, 1);
         const int kind = qb_below(r, 5);
         const int mantissa = qb_below(r, 8), power = qb_below(r, 11), shear = qb_below(r, 13);
         const int move = qb_below(r, 100), tall = qb_below(r, 6), tilt = qb_below(r, 5), back = qb_below(r, 3);
