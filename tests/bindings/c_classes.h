@@ -111,19 +111,23 @@ template <> struct Raw<guardint> { using R = int32_t; static guardint back(R x) 
 template <class T> struct VecC;
 #define QB_VEC_C(T, P)                                                                                      \
     template <> struct VecC<T> {                                                                            \
-        using Point = quillon_##P##_point;                                                                  \
-        static constexpr auto add = quillon_##P##_vec_add, sub = quillon_##P##_vec_sub,                   \
-                              mul = quillon_##P##_vec_mul, cross = quillon_##P##_vec_cross;                \
+        static constexpr auto add = quillon_##P##_vec_add;                                                  \
+        static constexpr auto sub = quillon_##P##_vec_sub;                                                  \
+        static constexpr auto mul = quillon_##P##_vec_mul;                                                  \
+        static constexpr auto cross = quillon_##P##_vec_cross;                                              \
         static constexpr auto scale_f = quillon_##P##_vec_scale_f;                                          \
         static constexpr auto scale_d = quillon_##P##_vec_scale_d;                                          \
         static constexpr auto scale_gf = quillon_##P##_vec_scale_gf;                                        \
         static constexpr auto scale_gd = quillon_##P##_vec_scale_gd;                                        \
         static constexpr auto from_points = quillon_##P##_vec_from_points;                                  \
-        static constexpr auto equal = quillon_##P##_vec_equal, not_equal = quillon_##P##_vec_not_equal;     \
+        static constexpr auto equal = quillon_##P##_vec_equal;                                              \
+        static constexpr auto not_equal = quillon_##P##_vec_not_equal;                                      \
         static constexpr auto add_to_axis = quillon_##P##_vec_add_to_axis;                                  \
         static constexpr auto dot = quillon_##P##_vec_dot;                                                  \
-        static constexpr auto length = quillon_##P##_vec_length, normalise = quillon_##P##_vec_normalise;   \
-        static constexpr auto unit = quillon_##P##_vec_unit, unit_gd = quillon_##P##_vec_unit_gd;           \
+        static constexpr auto length = quillon_##P##_vec_length;                                            \
+        static constexpr auto normalise = quillon_##P##_vec_normalise;                                      \
+        static constexpr auto unit = quillon_##P##_vec_unit;                                                \
+        static constexpr auto unit_gd = quillon_##P##_vec_unit_gd;                                          \
         static constexpr auto project = quillon_##P##_vec_project;                                          \
     };
 QB_VEC_C(int, i)
@@ -231,20 +235,29 @@ template <> struct Point<quillon_gd_point> { using T = guarddouble; };
 #define QB_TRANSFORM_C(T, P)                                                                                \
     template <> struct TransformC<T> {                                                                      \
         using C = quillon_##P##_transform;                                                                  \
-        static constexpr auto identity = quillon_##P##_identity, from_elements = quillon_##P##_from_elements; \
-        static constexpr auto from_angles = quillon_##P##_from_angles, compose = quillon_##P##_compose;     \
-        static constexpr auto adjoint = quillon_##P##_adjoint, inverse = quillon_##P##_inverse;             \
+        static constexpr auto identity = quillon_##P##_identity;                                            \
+        static constexpr auto from_elements = quillon_##P##_from_elements;                                  \
+        static constexpr auto from_angles = quillon_##P##_from_angles;                                      \
+        static constexpr auto compose = quillon_##P##_compose;                                              \
+        static constexpr auto adjoint = quillon_##P##_adjoint;                                              \
+        static constexpr auto inverse = quillon_##P##_inverse;                                              \
         static constexpr auto transpose = quillon_##P##_transpose;                                          \
         static constexpr auto without_translation = quillon_##P##_without_translation;                      \
         static constexpr auto determinant = quillon_##P##_determinant;                                      \
         static constexpr auto copy_elements = quillon_##P##_copy_elements;                                  \
-        static constexpr auto e10 = quillon_##P##_e10, e20 = quillon_##P##_e20, e30 = quillon_##P##_e30;   \
-        static constexpr auto turn_x = quillon_##P##_turn_x, turn_y = quillon_##P##_turn_y,                 \
-                              turn_z = quillon_##P##_turn_z;                                                \
-        static constexpr auto scale_x = quillon_##P##_scale_x, scale_y = quillon_##P##_scale_y,            \
-                              scale_z = quillon_##P##_scale_z;                                              \
-        static constexpr auto move = quillon_##P##_move, transpose_in_place = quillon_##P##_transpose_in_place; \
-        static constexpr auto reset = quillon_##P##_reset, clear = quillon_##P##_clear;                     \
+        static constexpr auto e10 = quillon_##P##_e10;                                                      \
+        static constexpr auto e20 = quillon_##P##_e20;                                                      \
+        static constexpr auto e30 = quillon_##P##_e30;                                                      \
+        static constexpr auto turn_x = quillon_##P##_turn_x;                                                \
+        static constexpr auto turn_y = quillon_##P##_turn_y;                                                \
+        static constexpr auto turn_z = quillon_##P##_turn_z;                                                \
+        static constexpr auto scale_x = quillon_##P##_scale_x;                                              \
+        static constexpr auto scale_y = quillon_##P##_scale_y;                                              \
+        static constexpr auto scale_z = quillon_##P##_scale_z;                                              \
+        static constexpr auto move = quillon_##P##_move;                                                    \
+        static constexpr auto transpose_in_place = quillon_##P##_transpose_in_place;                        \
+        static constexpr auto reset = quillon_##P##_reset;                                                  \
+        static constexpr auto clear = quillon_##P##_clear;                                                  \
         static constexpr auto map_rects = quillon_##P##_map_rects;                                          \
         QB_MAP_C(P, i) QB_MAP_C(P, f) QB_MAP_C(P, d) QB_MAP_C(P, gi) QB_MAP_C(P, gf) QB_MAP_C(P, gd)        \
     };
