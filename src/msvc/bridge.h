@@ -9,7 +9,7 @@
 #ifndef QUILLON_FRAME_MSVC_BRIDGE_H
 #define QUILLON_FRAME_MSVC_BRIDGE_H
 
-#include "../../scalars/msvc/kinds.h"
+#include "kinds.h"
 
 #ifdef __cplusplus
 extern "C" {
