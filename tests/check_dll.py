@@ -18,7 +18,7 @@ import subprocess
 import sys
 
 objdump, nm, undname, arch, dll, guard_dll, member_list, caller = sys.argv[1:9]
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'src', 'frame'))
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), '..', 'src', 'msvc'))
 import msvc_names  # noqa: E402
 
 failures = []
