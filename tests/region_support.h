@@ -4,6 +4,7 @@
 #pragma once
 
 #include <quillon/Region>
+#include <quillon/detail/RegionRectangles.h>
 
 #include <cstdint>
 #include <cstring>
@@ -23,11 +24,11 @@ inline std::ostream& operator<<(std::ostream& out, const Rect& r)
 // The rectangles of h in the platform's order; none for a null, stale or empty handle.
 inline std::vector<Rect> rectsOf(HRGN h)
 {
-    const DWORD size = GetRegionData(h, 0, nullptr);
-    std::vector<std::uint64_t> store(size / 8 + 1);
-    auto* data = reinterpret_cast<RGNDATA*>(store.data());
-    if (size == 0 || GetRegionData(h, size, data) != size) return {};
-    std::vector<Rect> out(data->rdh.nCount);
-    if (!out.empty()) std::memcpy(out.data(), data->Buffer, out.size() * sizeof(Rect));
+    const quillon::RegionRectangles read(h);
+    std::vector<Rect> out;
+    for (std::size_t i = 0; i < read.size(); ++i) {
+        const RECT r = read[i];
+        out.push_back({r.left, r.top, r.right, r.bottom});
+    }
     return out;
 }

@@ -5,6 +5,8 @@
 // outlives the call.
 #include "Interface.h"
 
+#include <quillon/detail/RegionRectangles.h>
+
 #include <quillon/Region>
 
 #include <cstdlib>
@@ -64,36 +66,22 @@ int mapRects(const Transform<T>& t, const std::int32_t* ltrb, std::size_t n, std
     OwnedRegion image{t * source.handle};
     if (!image.handle) return QUILLON_OK; // nothing of the region is left: no rectangles
 
-    const DWORD size = GetRegionData(image.handle, 0, nullptr);
-    if (size < sizeof(RGNDATAHEADER)) return QUILLON_OUT_OF_MEMORY;
-    auto* data = static_cast<RGNDATA*>(std::malloc(size));
-    if (!data) return QUILLON_OUT_OF_MEMORY;
-    int status = QUILLON_OUT_OF_MEMORY;
-    RGNDATAHEADER header;
-    if (GetRegionData(image.handle, size, data) != 0) {
-        std::memcpy(&header, data, sizeof header);
-        const unsigned long long end = 1ull * header.dwSize + 1ull * header.nCount * sizeof(RECT);
-        if (header.dwSize >= sizeof(RGNDATAHEADER) && end <= size) {
-            const std::size_t count = header.nCount;
-            std::int32_t* rects = count ? static_cast<std::int32_t*>(std::malloc(count * sizeof(RECT))) : nullptr;
-            if (!count || rects) {
-                const char* at = reinterpret_cast<const char*>(data) + header.dwSize;
-                for (std::size_t i = 0; i < count; ++i) {
-                    RECT r;
-                    std::memcpy(&r, at + i * sizeof(RECT), sizeof r);
-                    rects[4 * i] = r.left;
-                    rects[4 * i + 1] = r.top;
-                    rects[4 * i + 2] = r.right;
-                    rects[4 * i + 3] = r.bottom;
-                }
-                *out = rects;
-                *outCount = count;
-                status = QUILLON_OK;
-            }
-        }
+    const RegionRectangles read(image.handle);
+    if (!read.ok()) return QUILLON_OUT_OF_MEMORY;
+    const std::size_t count = read.size();
+    if (count == 0) return QUILLON_OK;
+    auto* rects = static_cast<std::int32_t*>(std::malloc(count * sizeof(RECT)));
+    if (!rects) return QUILLON_OUT_OF_MEMORY;
+    for (std::size_t i = 0; i < count; ++i) {
+        const RECT r = read[i];
+        rects[4 * i] = r.left;
+        rects[4 * i + 1] = r.top;
+        rects[4 * i + 2] = r.right;
+        rects[4 * i + 3] = r.bottom;
     }
-    std::free(data);
-    return status;
+    *out = rects;
+    *outCount = count;
+    return QUILLON_OK;
 }
 
 template int mapRects(const Transform<float>&, const std::int32_t*, std::size_t, std::int32_t**, std::size_t*) noexcept;

@@ -3,6 +3,8 @@
 #include "region.h"
 #include "steps.h"
 
+#include <quillon/detail/RegionRectangles.h>
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -60,13 +62,13 @@ RegionHandle RegionBuilder::finish()
 std::vector<Rect> rectanglesOf(HRGN region)
 {
     if (!region) return {};
-    const DWORD size = GetRegionData(region, 0, nullptr);
-    std::vector<DWORD> buffer(size / sizeof(DWORD) + 1); // DWORD-aligned, as RGNDATA needs
-    auto* data = reinterpret_cast<RGNDATA*>(buffer.data());
-    if (size < sizeof(RGNDATAHEADER) || GetRegionData(region, size, data) == 0) throw Failure("cannot read a region");
-    const auto* rects = reinterpret_cast<const RECT*>(reinterpret_cast<const char*>(data) + data->rdh.dwSize);
+    const quillon::RegionRectangles read(region);
+    if (!read.ok()) throw Failure("cannot read a region");
     std::vector<Rect> out;
-    for (DWORD k = 0; k < data->rdh.nCount; ++k) out.push_back({rects[k].left, rects[k].top, rects[k].right, rects[k].bottom});
+    for (std::size_t k = 0; k < read.size(); ++k) {
+        const RECT r = read[k];
+        out.push_back({r.left, r.top, r.right, r.bottom});
+    }
     return out;
 }
 
