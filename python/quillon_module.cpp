@@ -25,28 +25,25 @@ using namespace quillon_python;
 
 namespace {
 
-// How each transform element type meets numpy and the C interface.
+// How each transform element type meets numpy and the C interface: its plain stored value enters
+// through the class's own conversion and leaves as it is stored.
+template <class T> struct Stored {
+    using Raw = typename quillon::Stored<T>::Plain;
+    static T enter(Raw v) { return T(v); }
+    static Raw leave(const T& v) { return quillon::Stored<T>::of(v); }
+};
 template <class T> struct Kind;
-template <> struct Kind<float> {
-    using Raw = float;
+template <> struct Kind<float> : Stored<float> {
     using C = quillon_f_transform;
     static constexpr const char* name = "float32";
-    static float enter(float v) { return v; }
-    static float leave(float v) { return v; }
 };
-template <> struct Kind<double> {
-    using Raw = double;
+template <> struct Kind<double> : Stored<double> {
     using C = quillon_d_transform;
     static constexpr const char* name = "float64";
-    static double enter(double v) { return v; }
-    static double leave(double v) { return v; }
 };
-template <> struct Kind<guarddouble> {
-    using Raw = double;
+template <> struct Kind<guarddouble> : Stored<guarddouble> {
     using C = quillon_gd_transform;
     static constexpr const char* name = "guarddouble";
-    static guarddouble enter(double v) { return guarddouble(v); }
-    static double leave(const guarddouble& v) { return v.value(); }
 };
 
 // The n-point calls of the C interface, by transform type and point type.

@@ -22,46 +22,16 @@
 
 namespace quillon::c {
 
-// An element type as the C interface holds it: the plain type of its raw stored value, how a raw
-// value enters the C++ type (the class's own conversion from its plain type) and how it leaves.
+// An element type as the C interface holds it: the plain type of its stored value; a value enters
+// through the class's own conversion from that type (a guard value beyond its limit saturates) and
+// leaves as the stored value.
 template <class T>
-struct Raw;
-template <>
-struct Raw<int> {
-    using C = std::int32_t;
-    static int enter(C v) noexcept { return v; }
-    static C leave(int v) noexcept { return v; }
+struct Raw {
+    using C = typename Stored<T>::Plain;
+    static T enter(C v) noexcept { return T(v); }
+    static C leave(const T& v) noexcept { return Stored<T>::of(v); }
 };
-template <>
-struct Raw<float> {
-    using C = float;
-    static float enter(C v) noexcept { return v; }
-    static C leave(float v) noexcept { return v; }
-};
-template <>
-struct Raw<double> {
-    using C = double;
-    static double enter(C v) noexcept { return v; }
-    static C leave(double v) noexcept { return v; }
-};
-template <>
-struct Raw<guardint> {
-    using C = std::int32_t;
-    static guardint enter(C v) noexcept { return guardint(static_cast<int>(v)); }
-    static C leave(const guardint& v) noexcept { return v.value(); }
-};
-template <>
-struct Raw<guardfloat> {
-    using C = float;
-    static guardfloat enter(C v) noexcept { return guardfloat(static_cast<double>(v)); }
-    static C leave(const guardfloat& v) noexcept { return v.value(); }
-};
-template <>
-struct Raw<guarddouble> {
-    using C = double;
-    static guarddouble enter(C v) noexcept { return guarddouble(v); }
-    static C leave(const guarddouble& v) noexcept { return v.value(); }
-};
+static_assert(sizeof(Raw<int>::C) == 4 && sizeof(Raw<guardint>::C) == 4, "the C interface's integers are 32 bits");
 
 // The C struct of each transform and point type.
 template <class T>

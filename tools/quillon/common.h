@@ -127,33 +127,29 @@ void forEachItem(const std::vector<std::string>& arguments, const std::string& f
 
 // ---- Element types ----
 
-// One row of the element table: the name on the command line, how a value is read from text and
-// the plain number the value holds (what is printed).
+// One row of the element table: the name on the command line and how a value is read from text
+// (what is printed is the plain value it holds, quillon::Stored).
 template <class T>
 struct Scalar;
 template <>
 struct Scalar<int> {
     static constexpr const char* name = "int";
     static int parse(std::string_view s) { return parseInt(s); }
-    static int plain(int v) { return v; }
 };
 template <>
 struct Scalar<float> {
     static constexpr const char* name = "float";
     static float parse(std::string_view s) { return parseFloat(s); }
-    static float plain(float v) { return v; }
 };
 template <>
 struct Scalar<double> {
     static constexpr const char* name = "double";
     static double parse(std::string_view s) { return parseDouble(s); }
-    static double plain(double v) { return v; }
 };
 template <>
 struct Scalar<guardint> {
     static constexpr const char* name = "guardint";
     static guardint parse(std::string_view s) { return guardint(parseInt(s)); }
-    static int plain(const guardint& v) { return v.value(); }
 };
 // The floating guard classes read a double and take it through their own constructor, so a
 // magnitude beyond the limit becomes the limit.
@@ -161,13 +157,11 @@ template <>
 struct Scalar<guardfloat> {
     static constexpr const char* name = "guardfloat";
     static guardfloat parse(std::string_view s) { return guardfloat(parseDouble(s)); }
-    static float plain(const guardfloat& v) { return v.value(); }
 };
 template <>
 struct Scalar<guarddouble> {
     static constexpr const char* name = "guarddouble";
     static guarddouble parse(std::string_view s) { return guarddouble(parseDouble(s)); }
-    static double plain(const guarddouble& v) { return v.value(); }
 };
 
 template <class... T>
@@ -189,9 +183,9 @@ void withType(Types<T...>, std::string_view name, std::string_view option, F&& f
 }
 
 template <class T>
-std::string format(const T& v, bool exact) { return format(Scalar<T>::plain(v), exact); }
+std::string format(const T& v, bool exact) { return format(quillon::Stored<T>::of(v), exact); }
 template <class T>
-std::string json(const T& v, bool exact) { return json(Scalar<T>::plain(v), exact); }
+std::string json(const T& v, bool exact) { return json(quillon::Stored<T>::of(v), exact); }
 
 // ---- Matrices ----
 

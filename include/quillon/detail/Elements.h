@@ -171,6 +171,30 @@ struct Element<guarddouble> {
     static void divideInPlace(guarddouble& p, const guarddouble& n) noexcept { p /= n; }
 };
 
+// The plain value an element holds, as the C interface hands it out and the command prints it:
+// the number itself for int, float and double, the stored value (saturated or not) for the guard
+// classes.
+template <class T>
+struct Stored {
+    using Plain = T;
+    static constexpr T of(T v) noexcept { return v; }
+};
+template <>
+struct Stored<guardint> {
+    using Plain = int;
+    static constexpr int of(const guardint& v) noexcept { return v.value(); }
+};
+template <>
+struct Stored<guardfloat> {
+    using Plain = float;
+    static constexpr float of(const guardfloat& v) noexcept { return v.value(); }
+};
+template <>
+struct Stored<guarddouble> {
+    using Plain = double;
+    static constexpr double of(const guarddouble& v) noexcept { return v.value(); }
+};
+
 } // namespace quillon
 
 #endif
