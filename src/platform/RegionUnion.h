@@ -11,10 +11,12 @@ extern "C" {
 
 // A new region: base (which may be null, and is only read) joined with each polygon, every
 // polygon scan-converted by itself as CreatePolygonRgn makes it, rectangle for rectangle what
-// CombineRgn(result, result, piece, RGN_OR) gives piece after piece. A polygon that cannot be
-// made is left out. Null when nothing was made, when base is not a region, or when the result
-// would pass the rectangle limit. The work grows with the rectangles of the pieces and the result,
-// not with their product.
+// CombineRgn(result, result, piece, RGN_OR) gives piece after piece. A polygon that
+// CreatePolygonRgn cannot make is left out. Null when nothing was made, when base is not a region,
+// when the pieces together would hold more than the rectangle limit (one budget for the whole
+// call: pieces that must pass it are found from their edges before any is made), or when the
+// result would pass it. The work grows with the polygons, the rectangles of the pieces and of the
+// result.
 __attribute__((visibility("default"))) HRGN quillon_region_union_polygons(
     HRGN base, const POINT* points, const INT* counts, int polygons, int mode);
 
