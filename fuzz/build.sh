@@ -21,7 +21,7 @@ build_object() { # source, defines...
   fi
   objects+=("$obj")
 }
-for f in RegionFunctions RegionAlgebra ScanConversion PolygonBound EdgeLines; do
+for f in RegionFunctions RegionAlgebra ScanConversion PolygonBound EdgeLines UnionOfPieces; do
   build_object "$root/src/platform/$f.cpp" -DNDEBUG
 done
 for f in Sine Accurate Tables; do

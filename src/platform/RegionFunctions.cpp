@@ -14,6 +14,7 @@
 #include "RegionAlgebra.h"
 #include "RegionUnion.h"
 #include "ScanConversion.h"
+#include "UnionOfPieces.h"
 
 #include <cstddef>
 #include <cstdint>
