@@ -112,11 +112,12 @@ std::size_t resultBound(const Region& a, const Region& b, std::size_t stopAbove)
 // The operations on regions in the canonical form, rectangle for rectangle what pixman's band
 // algebra gives, with work that follows the sizes of the operands and of the result rather than
 // their product. The rows are cut into stretches where neither operand changes its band, as
-// pixman cuts them; a stretch covered by one operand alone keeps that band as it is (union, and
-// the first operand of a difference), and a stretch covered by both gets
+// pixman cuts them; a stretch covered by one operand alone keeps that band as it is (union, the
+// first operand of a difference, and either operand of XOR), and a stretch covered by both gets
 //  - intersection: every overlap of a rectangle of one band with a rectangle of the other;
 //  - union: the spans of both bands, joined where they overlap or touch;
-//  - difference: each rectangle of the first band less the second band, in its uncovered pieces.
+//  - difference: each rectangle of the first band less the second band, in its uncovered pieces;
+//  - XOR: what the union of the two differences gives, made in the same one sweep.
 // A stretch whose band is the one just above it, rectangle for rectangle, joins that band.
 //
 // A wide band met by a narrow one changes only near the narrow band's rectangles. Such a result
@@ -252,7 +253,7 @@ bool sameBand(const BandResult& a, const BandResult& b, std::vector<Span>& sa, s
     return true;
 }
 
-enum class Op { Intersect, Union, Subtract };
+enum class Op { Intersect, Union, Subtract, Exclusive };
 
 // The band algebra over two regions in the canonical form; with writing false it only counts.
 class BandSweep {
@@ -317,10 +318,11 @@ private:
             case Op::Intersect: intersect(a, b, cur); break;
             case Op::Union: unite(a, b, cur); break;
             case Op::Subtract: subtract(a, b, cur); break;
+            case Op::Exclusive: exclusive(a, b, cur); break;
             }
         } else if (a.n && op_ != Op::Intersect) {
             cur.start(a.r, a.n);
-        } else if (b.n && op_ == Op::Union) {
+        } else if (b.n && (op_ == Op::Union || op_ == Op::Exclusive)) {
             cur.start(b.r, b.n);
         } else {
             cur.start(nullptr, 0);
@@ -457,6 +459,34 @@ private:
         if (open) out.patch(from, to, first);
     }
 
+    // The spans that one band covers and the other does not, as the union of the two differences
+    // gives them: each band less the other, in its uncovered pieces; where both differences hold
+    // pieces they are joined where they overlap or touch, and where one alone does its pieces stay
+    // as they are.
+    void exclusive(const BandView& a, const BandView& b, BandResult& out)
+    {
+        onlyA_.clear();
+        onlyB_.clear();
+        for (Index i = 0; i < a.n; ++i) piecesOf(a.r[i], b, onlyA_);
+        for (Index i = 0; i < b.n; ++i) piecesOf(b.r[i], a, onlyB_);
+        out.start(nullptr, 0);
+        if (onlyA_.empty() || onlyB_.empty()) {
+            const std::vector<Span>& alone = onlyA_.empty() ? onlyB_ : onlyA_;
+            out.spans.assign(alone.begin(), alone.end());
+        } else {
+            std::size_t i = 0, j = 0;
+            while (i < onlyA_.size() || j < onlyB_.size()) {
+                const bool fromA = j == onlyB_.size() || (i < onlyA_.size() && onlyA_[i].x1 < onlyB_[j].x1);
+                const Span s = fromA ? onlyA_[i++] : onlyB_[j++];
+                if (!out.spans.empty() && out.spans.back().x2 >= s.x1)
+                    out.spans.back().x2 = std::max(out.spans.back().x2, s.x2);
+                else
+                    out.spans.push_back(s);
+            }
+        }
+        out.patch(0, 0, 0);
+    }
+
     // The spans of both bands joined. Over a wide band (its own touching rectangles joined
     // first), each run that the narrow band's rectangles reach becomes one span.
     void unite(const BandView& a, const BandView& b, BandResult& out)
@@ -564,6 +594,7 @@ private:
     BoxBuffer boxes_;
     Joined joined_[2];
     std::vector<Span> sa_, sb_;
+    std::vector<Span> onlyA_, onlyB_;
 };
 
 bool extentsMeet(const Box& a, const Box& b) noexcept
@@ -600,6 +631,13 @@ bool bandOperation(Op op, Region& out, const Region& a, const Region& b)
         if (na == 0 || nb == 0 || !extentsMeet(ea, eb) || &a == &b)
             return pixman_region32_subtract(out.get(), ra, rb);
         break;
+    case Op::Exclusive: // what the two differences and their union give in these cases
+        if (&a == &b) {
+            out.clear();
+            return true;
+        }
+        if (na == 0 || nb == 0) return out.copyFrom(na == 0 ? b : a);
+        break;
     }
     if (resultBound(a, b, kMaxRects) > kMaxRects) {
         BandSweep counting(op, a, b, false, kMaxRects);
@@ -621,13 +659,7 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode)
     case RGN_AND: ok = bandOperation(Op::Intersect, result, a, b); break;
     case RGN_OR: ok = bandOperation(Op::Union, result, a, b); break;
     case RGN_DIFF: ok = bandOperation(Op::Subtract, result, a, b); break;
-    case RGN_XOR: {
-        Region ab, ba;
-        ok = bandOperation(Op::Subtract, ab, a, b) &&
-             bandOperation(Op::Subtract, ba, b, a) &&
-             bandOperation(Op::Union, result, ab, ba);
-        break;
-    }
+    case RGN_XOR: ok = bandOperation(Op::Exclusive, result, a, b); break;
     case RGN_COPY: ok = result.copyFrom(a); break;
     default: return false;
     }
