@@ -280,18 +280,20 @@ std::int64_t rowsApart(const Line& p, const Line& q, std::int64_t from, std::int
     return count;
 }
 
-int farRuns(const Line& p, const Line& q, std::int64_t from, std::int64_t to, std::int64_t runs[2][2]) noexcept
+int runsApart(const Line& p, const Line& q, std::int64_t from, std::int64_t to, bool far,
+              std::int64_t runs[2][3]) noexcept
 {
     const std::int64_t n = to - from + 1;
     if (n <= 0) return 0;
     const Pair pair(p, q, from);
     int count = 0;
-    for (const Pair::Kind kind : {Pair::farLeft, Pair::farRight}) {
+    for (const Pair::Kind kind : {far ? Pair::farLeft : Pair::nearLeft, far ? Pair::farRight : Pair::nearRight}) {
         std::int64_t first = 0, last = 0;
         pair.run(kind, n, first, last);
         if (first > last) continue;
         runs[count][0] = from + first;
         runs[count][1] = from + last;
+        runs[count][2] = kind == Pair::farLeft || kind == Pair::nearLeft ? -1 : 1;
         ++count;
     }
     return count;

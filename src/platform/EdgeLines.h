@@ -63,9 +63,11 @@ std::int64_t firstInRange(std::int64_t a, std::int64_t b, std::int64_t m, std::i
 // and the first of those rows (to + 1 when there is none).
 std::int64_t rowsApart(const Line& p, const Line& q, std::int64_t from, std::int64_t to) noexcept;
 std::int64_t firstApart(const Line& p, const Line& q, std::int64_t from, std::int64_t to) noexcept;
-// The runs of rows of [from, to] on which they lie a column or more apart (two at most, first
-// and last rows of each); how many.
-int farRuns(const Line& p, const Line& q, std::int64_t from, std::int64_t to, std::int64_t runs[2][2]) noexcept;
+// The runs of rows of [from, to] on which they lie a column or more apart (far), or less than a
+// column apart but not level (near): two at most, first and last rows of each and the side q lies
+// on (-1 left, +1 right); how many.
+int runsApart(const Line& p, const Line& q, std::int64_t from, std::int64_t to, bool far,
+              std::int64_t runs[2][3]) noexcept;
 // The first row of [from, to] on which q lies left of p, x below x (to + 1 when there is none).
 std::int64_t firstLeftOf(const Line& p, const Line& q, std::int64_t from, std::int64_t to) noexcept;
 

@@ -18,7 +18,8 @@
  * slivers of any width) holds one span on the rows where their x differ, and none elsewhere. When
  * either edge moves a column or more every row, each such row but at most one (where they cross)
  * starts a band: their count is exact, found from sums along the edges. When both are steeper, each
- * row where either moves while they lie a column or more apart starts one.
+ * row where either moves while they lie a column or more apart starts one, and where they lie
+ * closer, the bands are counted along the columns instead of the rows (see nearBands).
  */
 #define QUILLON_BUILDING_REGION
 #include "PolygonBound.h"
@@ -205,13 +206,39 @@ private:
         auto fast = [](const Line& l) { return (l.dx < 0 ? -l.dx : l.dx) >= l.dy; };
         if (fast(p) || fast(q)) return std::max<std::int64_t>(0, rowsApart(p, q, from + 1, to) - 1);
         std::int64_t rows = 0;
-        std::int64_t runs[2][2];
-        for (int i = 0, n = farRuns(p, q, from, to, runs); i < n; ++i) {
+        std::int64_t runs[2][3];
+        for (int i = 0, n = runsApart(p, q, from, to, true, runs); i < n; ++i) {
             const std::int64_t a = runs[i][0], b = runs[i][1];
             const std::int64_t movedP = xAt(p, b) - xAt(p, a), movedQ = xAt(q, b) - xAt(q, a);
             rows += std::max(movedP < 0 ? -movedP : movedP, movedQ < 0 ? -movedQ : movedQ);
         }
+        for (int i = 0, n = runsApart(p, q, from, to, false, runs); i < n; ++i)
+            rows += nearBands(runs[i][2] > 0 ? p : q, runs[i][2] > 0 ? q : p, runs[i][0], runs[i][1]);
         return rows;
+    }
+
+    // The bands of a near run [a, b] of two steeper edges, r right of l by less than a column: each
+    // row of it that holds a span holds [k, k + 1), k being l's x, and the rows of one k are one
+    // band, so the bands are the columns k whose rows holding l at k and r at k + 1 meet. For edges
+    // leaning right, these are the k where r reaches k on an earlier row than l does, rows rounded
+    // down: a count of the rows where two lines differ, along the columns (x and y trade places;
+    // rows are first mirrored for edges leaning left). Edges leaning apart, or standing upright,
+    // stay that close over so few rows that they are not counted.
+    static std::int64_t nearBands(Line l, Line r, std::int64_t a, std::int64_t b) noexcept
+    {
+        if (l.dx == 0 || r.dx == 0 || (l.dx > 0) != (r.dx > 0)) return 0;
+        if (l.dx < 0) { // y -> -y: the same rows, upside down
+            for (Line* e : {&l, &r}) *e = Line{-e->last, -e->first, e->base, -e->y1, -e->dx, e->dy, e->direction};
+            const std::int64_t mirroredA = -b;
+            b = -a;
+            a = mirroredA;
+        }
+        // Only the columns whose rows lie inside the run: those strictly between l's ends.
+        const std::int64_t first = xAt(l, a) + 1, last = xAt(l, b) - 1;
+        if (first > last) return 0;
+        // The row where a line reaches column k, rounded down, is -ceil(-(y1 + (k - base) dy / dx)).
+        auto along = [](const Line& e) { return Line{e.base, e.base + e.dx, -e.y1, e.base, -e.dy, e.dx, e.direction}; };
+        return rowsApart(along(l), along(r), first, last);
     }
 
     struct Range {
@@ -236,7 +263,7 @@ private:
 // limit's rows. A stretch costs a step per active edge: once the stretches have taken some
 // multiple of the edges' number in such steps, the rest count for nothing.
 std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygons, bool winding,
-                              std::int64_t limit)
+                              std::int64_t limit, bool walk)
 {
     std::vector<Line> lines;
     const POINT* p = points;
@@ -281,7 +308,7 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
         total += s.atOnce();
         return total <= limit;
     });
-    if (total > limit) return total;
+    if (total > limit || !walk) return total;
     // Each stretch's quick bound replaced by its count as it is walked.
     eachStretch([&](const StretchRows& s) {
         total -= s.atOnce();

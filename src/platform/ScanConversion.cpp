@@ -523,7 +523,7 @@ Outline measure(const POINT* points, const INT* counts, int polygons, Box& recta
 bool mustPass(const POINT* points, const INT* counts, int polygons, bool winding, std::int64_t total,
               std::int64_t rows, std::int64_t limit)
 {
-    return rows * (total / 2) > limit && provenRectangles(points, counts, polygons, winding, limit) > limit;
+    return rows * (total / 2) > limit && provenRectangles(points, counts, polygons, winding, limit, true) > limit;
 }
 
 Outline outline(const POINT* points, const INT* counts, int polygons, bool winding, ScanScratch& scratch,
@@ -586,7 +586,7 @@ std::int64_t polygonBound(const POINT* points, INT n, int mode, std::int64_t lea
     default: return 0;
     }
     if (rows * (total / 2) <= least) return 0;
-    return provenRectangles(points, &n, 1, mode == WINDING, std::int64_t(kMaxRects));
+    return provenRectangles(points, &n, 1, mode == WINDING, std::int64_t(kMaxRects), false);
 }
 
 Piece appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes,

@@ -35,9 +35,9 @@ enum class Piece { made, failed, tooMany };
 Piece appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes,
                     std::size_t limit);
 
-// A lower bound on the rectangles CreatePolygonRgn makes of one polygon, from its edges (1 for a
-// rectangle taken whole, 0 where it makes nothing); 0 too, without a look at the edges, where no
-// more than least rectangles could come of it.
+// A lower bound on the rectangles CreatePolygonRgn makes of one polygon, from its edges with no walk
+// (1 for a rectangle taken whole, 0 where it makes nothing); 0 too, without a look at the edges,
+// where no more than least rectangles could come of it.
 std::int64_t polygonBound(const POINT* points, INT n, int mode, std::int64_t least);
 
 } // namespace quillon::region_detail
