@@ -26,6 +26,7 @@
 
 #include "EdgeLines.h"
 #include "Wide.h"
+#include "WorkSteps.h"
 
 #include <algorithm>
 #include <limits>
@@ -167,7 +168,7 @@ public:
     std::int64_t atOnce() const noexcept { return atOnce_; }
 
     // The rows that start a band, counted up to more than budget (and never fewer than atOnce).
-    std::int64_t counted(std::int64_t budget) const
+    std::int64_t counted(std::int64_t budget, StepCount& steps) const
     {
         if (atOnce_ > budget || steepCount_ == 0) return atOnce_;
         // The rows outside the covered ranges where some steeper line moves, each row once.
@@ -191,6 +192,7 @@ public:
             for (Moves& m : moves)
                 if (!m.done() && (!next || m.row() < next->row())) next = &m;
             if (!next) break;
+            steps.add(moves.size());
             const std::int64_t y = next->row();
             next->advance();
             if (y != last) ++rows;
@@ -286,6 +288,8 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
     // Calls visit(stretch) for every stretch of rows in which the same lines are active, top to
     // bottom, until it returns false.
     std::vector<const Line*> active;
+    StepCount counted; // a step a stretch and an edge in it, and a step a row walked
+    counted.add(lines.size());
     const std::size_t steps = 32 * lines.size() + (std::size_t(1) << 16);
     const auto eachStretch = [&](auto&& visit) {
         active.clear();
@@ -293,6 +297,7 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
         std::int64_t y = 0;
         while (next < lines.size() || !active.empty()) {
             if ((taken += active.size()) > steps) return;
+            counted.add(1 + active.size());
             if (active.empty()) y = lines[next].first;
             while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
             std::int64_t to = next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
@@ -312,7 +317,7 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
     // Each stretch's quick bound replaced by its count as it is walked.
     eachStretch([&](const StretchRows& s) {
         total -= s.atOnce();
-        total += s.counted(limit - total);
+        total += s.counted(limit - total, counted);
         return total <= limit;
     });
     return total;

@@ -5,10 +5,13 @@
 #include <quillon/Region>
 
 #include "RegionAlgebra.h"
+#include "WorkSteps.h"
 
 #include <limits>
 
 namespace quillon::region_detail {
+
+thread_local std::uint64_t stepsTaken = 0;
 
 // Whether the rectangles are in the canonical form described in RegionAlgebra.h.
 bool isCanonical(const Region& region) noexcept
@@ -313,6 +316,9 @@ private:
     bool stretch(const BandView& a, const BandView& b, std::int64_t top, std::int64_t bottom)
     {
         BandResult& cur = results_[current_];
+        // The work of a stretch: a step for each rectangle of the smaller band, and for each span
+        // made, compared or written.
+        steps_.add(1 + std::min(a.n, b.n));
         if (a.n && b.n) {
             switch (op_) {
             case Op::Intersect: intersect(a, b, cur); break;
@@ -327,12 +333,17 @@ private:
         } else {
             cur.start(nullptr, 0);
         }
+        steps_.add(cur.spans.size() + cur.patches.size());
         if (cur.length == 0) { // nothing here: the band above is not continued
             havePrevious_ = false;
             return true;
         }
         const BandResult& prev = results_[1 - current_];
-        if (havePrevious_ && previousBottom_ == top && sameBand(prev, cur, sa_, sb_)) {
+        sa_.clear();
+        sb_.clear();
+        const bool same = havePrevious_ && previousBottom_ == top && sameBand(prev, cur, sa_, sb_);
+        steps_.add(sa_.size() + sb_.size());
+        if (same) {
             if (writing_)
                 for (Box* box = boxes_.begin() + previousStart_; box != boxes_.end(); ++box)
                     box->y2 = static_cast<std::int32_t>(bottom);
@@ -343,6 +354,7 @@ private:
         }
         if (cur.length > limit_ - count_) return false;
         if (writing_) {
+            steps_.add(cur.length);
             if (!boxes_.reserveMore(cur.length)) return false;
             previousStart_ = boxes_.size();
             const auto t = static_cast<std::int32_t>(top), b2 = static_cast<std::int32_t>(bottom);
@@ -462,29 +474,101 @@ private:
     // The spans that one band covers and the other does not, as the union of the two differences
     // gives them: each band less the other, in its uncovered pieces; where both differences hold
     // pieces they are joined where they overlap or touch, and where one alone does its pieces stay
-    // as they are.
+    // as they are. A wide band w met by a narrow one n: w less n is held as w patched (as
+    // subtract holds it), n less w is made outright, and where both hold pieces the result is the
+    // runs of what one band alone covers: w's runs (its touching rectangles joined), made again
+    // only around n's rectangles.
     void exclusive(const BandView& a, const BandView& b, BandResult& out)
     {
+        const bool aWide = a.n > b.n;
+        const BandView& w = aWide ? a : b;
+        const BandView& n = aWide ? b : a;
         onlyA_.clear();
         onlyB_.clear();
-        for (Index i = 0; i < a.n; ++i) piecesOf(a.r[i], b, onlyA_);
-        for (Index i = 0; i < b.n; ++i) piecesOf(b.r[i], a, onlyB_);
-        out.start(nullptr, 0);
-        if (onlyA_.empty() || onlyB_.empty()) {
-            const std::vector<Span>& alone = onlyA_.empty() ? onlyB_ : onlyA_;
-            out.spans.assign(alone.begin(), alone.end());
-        } else {
-            std::size_t i = 0, j = 0;
-            while (i < onlyA_.size() || j < onlyB_.size()) {
-                const bool fromA = j == onlyB_.size() || (i < onlyA_.size() && onlyA_[i].x1 < onlyB_[j].x1);
-                const Span s = fromA ? onlyA_[i++] : onlyB_[j++];
-                if (!out.spans.empty() && out.spans.back().x2 >= s.x1)
-                    out.spans.back().x2 = std::max(out.spans.back().x2, s.x2);
-                else
-                    out.spans.push_back(s);
+        for (Index i = 0; i < n.n; ++i) piecesOf(n.r[i], w, onlyB_);
+        if (w.n <= kSmall) {
+            for (Index i = 0; i < w.n; ++i) piecesOf(w.r[i], n, onlyA_);
+            out.start(nullptr, 0);
+            if (onlyA_.empty() || onlyB_.empty()) {
+                const std::vector<Span>& alone = onlyA_.empty() ? onlyB_ : onlyA_;
+                out.spans.assign(alone.begin(), alone.end());
+            } else {
+                std::size_t i = 0, j = 0;
+                while (i < onlyA_.size() || j < onlyB_.size()) {
+                    const bool fromA = j == onlyB_.size() || (i < onlyA_.size() && onlyA_[i].x1 < onlyB_[j].x1);
+                    const Span s = fromA ? onlyA_[i++] : onlyB_[j++];
+                    if (!out.spans.empty() && out.spans.back().x2 >= s.x1)
+                        out.spans.back().x2 = std::max(out.spans.back().x2, s.x2);
+                    else
+                        out.spans.push_back(s);
+                }
             }
+            out.patch(0, 0, 0);
+            return;
         }
-        out.patch(0, 0, 0);
+        subtract(w, n, out); // w less n
+        if (onlyB_.empty()) return;
+        if (out.length == 0) { // n less w alone
+            out.start(nullptr, 0);
+            out.spans.assign(onlyB_.begin(), onlyB_.end());
+            out.patch(0, 0, 0);
+            return;
+        }
+        const BandView runs = joined(aWide ? 0 : 1, w);
+        out.start(runs.r, runs.n);
+        constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+        // The runs that a rectangle of n overlaps or touches, and the stretch of x they and it cover.
+        auto reach = [&](Index i, Index& lo, Index& hi, std::int64_t& left, std::int64_t& right) {
+            lo = firstEndingAfter(runs, n.r[i].x1, true);
+            hi = firstStartingFrom(runs, n.r[i].x2, true);
+            left = lo < hi ? std::min(runs.r[lo].x1, n.r[i].x1) : n.r[i].x1;
+            right = lo < hi ? std::max(runs.r[hi - 1].x2, n.r[i].x2) : n.r[i].x2;
+        };
+        Index i = 0;
+        while (i < n.n) {
+            // A cluster of n's rectangles whose stretches overlap or touch, made again as a whole.
+            Index lo = 0, hi = 0;
+            std::int64_t left = 0, right = 0;
+            reach(i, lo, hi, left, right);
+            Index j = i + 1;
+            for (; j < n.n; ++j) {
+                Index lo2 = 0, hi2 = 0;
+                std::int64_t left2 = 0, right2 = 0;
+                reach(j, lo2, hi2, left2, right2);
+                if (left2 > right) break;
+                if (lo2 < hi2) lo = std::min(lo, lo2), hi = std::max(hi, hi2);
+                right = std::max(right, right2);
+            }
+            (void)left;
+            // What one of runs [lo, hi) and n's rectangles [i, j) covers, in runs.
+            const Index first = out.spans.size();
+            Index p = lo, q = i;
+            bool inW = false, inN = false;
+            std::int64_t at = std::numeric_limits<std::int64_t>::min();
+            while (true) {
+                const std::int64_t nextW = p < hi ? (inW ? runs.r[p].x2 : runs.r[p].x1) : kNone;
+                const std::int64_t nextN = q < j ? (inN ? n.r[q].x2 : n.r[q].x1) : kNone;
+                const std::int64_t x = std::min(nextW, nextN);
+                if (x == kNone) break;
+                if (inW != inN && at < x) {
+                    if (out.spans.size() > first && out.spans.back().x2 == at)
+                        out.spans.back().x2 = static_cast<std::int32_t>(x);
+                    else
+                        out.spans.push_back(Span{static_cast<std::int32_t>(at), static_cast<std::int32_t>(x)});
+                }
+                at = x;
+                if (nextW == x) {
+                    if (inW) ++p;
+                    inW = !inW;
+                }
+                if (nextN == x) {
+                    if (inN) ++q;
+                    inN = !inN;
+                }
+            }
+            out.patch(lo, hi, first);
+            i = j;
+        }
     }
 
     // The spans of both bands joined. Over a wide band (its own touching rectangles joined
@@ -595,6 +679,7 @@ private:
     Joined joined_[2];
     std::vector<Span> sa_, sb_;
     std::vector<Span> onlyA_, onlyB_;
+    StepCount steps_;
 };
 
 bool extentsMeet(const Box& a, const Box& b) noexcept

@@ -15,6 +15,7 @@
 #include "RegionUnion.h"
 #include "ScanConversion.h"
 #include "UnionOfPieces.h"
+#include "WorkSteps.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -307,6 +308,11 @@ DWORD GetGuiResources(HANDLE process, DWORD flags)
         return static_cast<DWORD>(table().live());
     });
 }
+unsigned long long quillon_region_steps(void)
+{
+    return stepsTaken;
+}
+
 HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* counts, int polygons,
                                    int mode)
 {

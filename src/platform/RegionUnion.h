@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// libquillon_region's one function beyond the platform's names, for the region mapping: the
-// union of many polygons made at once.
+// libquillon_region's functions beyond the platform's names: the union of many polygons made at
+// once, for the region mapping, and the count of steps taken, for tests of what calls cost.
 #pragma once
 
 #include <quillon/Region>
@@ -19,6 +19,11 @@ extern "C" {
 // result.
 __attribute__((visibility("default"))) HRGN quillon_region_union_polygons(
     HRGN base, const POINT* points, const INT* counts, int polygons, int mode);
+
+// The steps the region functions have taken on the calling thread so far: rows walked and the edges
+// on them, stretches of rows bounded, spans merged, compared and written. The difference across a
+// call is its work, which tests hold against its input and result.
+__attribute__((visibility("default"))) unsigned long long quillon_region_steps(void);
 
 } // extern "C"
 

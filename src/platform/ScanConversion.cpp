@@ -20,6 +20,7 @@
 
 #include "EdgeLines.h"
 #include "PolygonBound.h"
+#include "WorkSteps.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -402,6 +403,7 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     // with the edges' exact lines, which cost more than a row.
     constexpr int kWalksBeforeSearch = 8;
     int emptyWalks = 0;
+    StepCount steps; // a step a row walked and an edge on it
     while (true) {
         if (active.empty()) {
             if (next == edges.size()) break;
@@ -417,6 +419,7 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                        [](const Edge* a, const Edge* b) { return a->x < b->x; });
             active.swap(merged);
         }
+        steps.add(1 + active.size());
         rowSpans(active, winding, spans);
         // Rows after y that repeat this one: no edge starts or ends, and every edge stands still
         // or all of them cancel out (then they are moved on at once, row by row being no

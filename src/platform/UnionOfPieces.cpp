@@ -16,6 +16,8 @@
 #define QUILLON_BUILDING_REGION
 #include "UnionOfPieces.h"
 
+#include "WorkSteps.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <limits>
@@ -128,6 +130,7 @@ bool unionAll(const std::vector<BoxRun>& parts, Region& out)
     std::vector<const Band*> covering; // the bands that cover the current row
     std::vector<Live> live, merged, fresh;
     std::vector<Span> row;
+    StepCount steps; // a step a band top, and one for each span live, begun or joined there
     const auto byLeft = [](const Live& a, const Live& b) { return a.x1 < b.x1; };
     std::size_t next = 0;
     std::int64_t y = bands.empty() ? 0 : bands[0].top;
@@ -164,6 +167,7 @@ bool unionAll(const std::vector<BoxRun>& parts, Region& out)
                 row.push_back(Span{s.x1, s.x2});
         }
         live.swap(merged);
+        steps.add(1 + live.size() + fresh.size() + covering.size());
         if (covering.empty()) continue;
         if (covering.size() == 1) { // one part alone: its rectangles as they are
             const Band& b = *covering[0];
