@@ -110,17 +110,16 @@ TEST(EdgeLines, AnEdgeWrapsWhereItsXLeavesTheRange)
         }
 }
 
-std::int64_t rectanglesOf(const std::vector<POINT>& p, int mode)
+std::int64_t rectanglesOf(const std::vector<POINT>& p, const std::vector<INT>& counts, int mode)
 {
     Region made;
-    INT n = static_cast<INT>(p.size());
-    if (!makePolygons(p.data(), &n, 1, mode, made)) return -1;
+    if (!makePolygons(p.data(), counts.data(), static_cast<int>(counts.size()), mode, made)) return -1;
     return made.count();
 }
 
 // Slivers thin and wide, leaning right and left, steeper and flatter than a column a row, from one
-// point or offset by a row: the bound, walked or not, never passes the rectangles made, and comes
-// within a small factor of them where the edges move.
+// point or offset by a row, alone or side by side in one call: the bound, walked or not, never
+// passes the rectangles made, and comes within a small factor of them where the edges move.
 TEST(PolygonBound, NeverPassesTheRectanglesMadeAndComesNearThem)
 {
     Seeded r(13);
@@ -130,7 +129,8 @@ TEST(PolygonBound, NeverPassesTheRectanglesMadeAndComesNearThem)
         const std::int64_t lean = r.pick(-3, 3) * H + r.pick(-H, H) / r.pick(1, 8);
         const LONG x = LONG(r.pick(-5, 5)), y = LONG(r.pick(-5, 5));
         std::vector<POINT> p;
-        switch (round % 3) {
+        std::vector<INT> counts;
+        switch (round % 4) {
         case 0: // a parallelogram, one side short
             p = {{x, y}, {LONG(x + lean), LONG(y + H)}, {LONG(x + lean + r.pick(-2, 2)), LONG(y + H + r.pick(-2, 2))},
                  {LONG(x + r.pick(-2, 2)), LONG(y + r.pick(-2, 2))}};
@@ -138,15 +138,31 @@ TEST(PolygonBound, NeverPassesTheRectanglesMadeAndComesNearThem)
         case 1: // a triangle with a short base
             p = {{x, y}, {LONG(x + lean), LONG(y + H)}, {LONG(x + lean + r.pick(1, 3)), LONG(y + H + r.pick(-1, 1))}};
             break;
-        default: // a wider one
+        case 2: // a wider one
             p = {{x, y}, {LONG(x + lean), LONG(y + H)}, {LONG(x + lean + r.pick(5, 400)), LONG(y + H + r.pick(-40, 40))}};
+            break;
+        default: // several side by side, some turning the other way
+            for (LONG k = 0, at = 0, m = LONG(r.pick(2, 6)); k < m; ++k, at += LONG(r.pick(3, 60))) {
+                const LONG w = LONG(r.pick(1, 30)), top = LONG(r.pick(-3, 3));
+                const POINT q[4] = {{x + at, y + top}, {LONG(x + at + lean), LONG(y + H)}, {LONG(x + at + lean + w), LONG(y + H)},
+                                    {x + at + w, y + top}};
+                if (k % 2)
+                    p.insert(p.end(), {q[0], q[3], q[2], q[1]});
+                else
+                    p.insert(p.end(), q, q + 4);
+                counts.push_back(4);
+                at += w;
+            }
         }
+        if (counts.empty()) counts.push_back(static_cast<INT>(p.size()));
+        const int polygons = static_cast<int>(counts.size());
         for (const int mode : {ALTERNATE, WINDING}) {
-            const std::int64_t made = rectanglesOf(p, mode);
+            const std::int64_t made = rectanglesOf(p, counts, mode);
             ASSERT_GE(made, 0);
-            INT n = static_cast<INT>(p.size());
-            const std::int64_t quick = provenRectangles(p.data(), &n, 1, mode == WINDING, std::int64_t(kMaxRects), false);
-            const std::int64_t walked = provenRectangles(p.data(), &n, 1, mode == WINDING, std::int64_t(kMaxRects), true);
+            const std::int64_t quick =
+                provenRectangles(p.data(), counts.data(), polygons, mode == WINDING, std::int64_t(kMaxRects), false);
+            const std::int64_t walked =
+                provenRectangles(p.data(), counts.data(), polygons, mode == WINDING, std::int64_t(kMaxRects), true);
             ASSERT_LE(quick, made) << "round " << round << " mode " << mode;
             ASSERT_LE(walked, made) << "round " << round << " mode " << mode;
             if (made > 1000) {

@@ -12,7 +12,9 @@
  * adding up to zero). The same holds for the right end of the last span and an edge alone to the
  * right. Each row on which that edge's x differs from the row above has other spans than that row,
  * so it starts a band of at least one rectangle: every row for an edge that moves a column a row or
- * more, one row per column crossed for a steeper one.
+ * more, one row per column crossed for a steeper one. Where all the edges of a stretch keep their
+ * order two columns or more apart, every row holds the same number of spans, none touching, and a
+ * band that starts holds that many rectangles.
  *
  * Two edges. A stretch of two edges (the long stretches of triangles, of mapped rectangles and of
  * slivers of any width) holds one span on the rows where their x differ, and none elsewhere. When
@@ -30,6 +32,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace quillon::region_detail {
@@ -161,7 +164,8 @@ public:
         }
         coveredCount_ = joined;
         for (std::size_t i = 0; i < coveredCount_; ++i) coveredRows_ += covered_[i].b - covered_[i].a;
-        atOnce_ = std::max(most, coveredRows_);
+        perRow_ = spansPerRow(active, winding, from, to);
+        atOnce_ = std::max(most, coveredRows_) * perRow_;
         if (active.size() == 2) atOnce_ = std::max(atOnce_, pairRows(*active[0], *active[1], from, to));
     }
 
@@ -198,10 +202,34 @@ public:
             if (y != last) ++rows;
             last = y;
         }
-        return std::max(rows, atOnce_);
+        return std::max(rows * perRow_, atOnce_);
     }
 
 private:
+    // The spans every row of the stretch holds, where its edges keep their order at least two
+    // columns apart from its first row to its last (and so on every row between, each distance
+    // being linear): a band that starts there holds that many rectangles. 1 otherwise.
+    static std::int64_t spansPerRow(const std::vector<const Line*>& active, bool winding, std::int64_t from,
+                                    std::int64_t to)
+    {
+        if (active.size() <= 2) return 1;
+        std::vector<std::pair<std::int64_t, const Line*>> order;
+        order.reserve(active.size());
+        for (const Line* l : active) order.emplace_back(xAt(*l, from), l);
+        std::sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (std::size_t i = 1; i < order.size(); ++i)
+            if (order[i].first - order[i - 1].first < 2 || xAt(*order[i].second, to) - xAt(*order[i - 1].second, to) < 2)
+                return 1;
+        std::int64_t spans = 0;
+        int sum = 0;
+        for (std::size_t i = 0; i < order.size(); ++i) {
+            const int before = sum;
+            sum += order[i].second->direction;
+            if (winding ? before != 0 && sum == 0 : i % 2 == 1) ++spans; // spans cannot touch here
+        }
+        return std::max<std::int64_t>(spans, 1);
+    }
+
     // The rows of (from, to] that start a band, for a stretch of two edges p and q (see the top).
     static std::int64_t pairRows(const Line& p, const Line& q, std::int64_t from, std::int64_t to) noexcept
     {
@@ -254,7 +282,7 @@ private:
     Range covered_[4];
     Steep steep_[4];
     std::size_t coveredCount_ = 0, steepCount_ = 0;
-    std::int64_t coveredRows_ = 0, atOnce_ = 0;
+    std::int64_t coveredRows_ = 0, atOnce_ = 0, perRow_ = 1;
 };
 
 } // namespace
