@@ -12,9 +12,9 @@
  * adding up to zero). The same holds for the right end of the last span and an edge alone to the
  * right. Each row on which that edge's x differs from the row above has other spans than that row,
  * so it starts a band of at least one rectangle: every row for an edge that moves a column a row or
- * more, one row per column crossed for a steeper one. Where all the edges of a stretch keep their
- * order two columns or more apart, every row holds the same number of spans, none touching, and a
- * band that starts holds that many rectangles.
+ * more, one row per column crossed for a steeper one. A band that starts holds as many rectangles
+ * as its row has spans, and groups of edges that stay apart give a number of spans every row of a
+ * stretch holds (spansPerRow).
  *
  * Two edges. A stretch of two edges (the long stretches of triangles, of mapped rectangles and of
  * slivers of any width) holds one span on the rows where their x differ, and none elsewhere. When
@@ -39,37 +39,52 @@ namespace quillon::region_detail {
 
 namespace {
 
-// The rows of [from, to] on which e lies at least one column left of every other line (left) or
-// right of it, found from the exact lines: each other line g gives a condition linear in y,
-// (g - e - 1)(y) >= 0 or (e - g - 1)(y) >= 0, times dy_g dy_e.
-bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, std::int64_t& from,
-             std::int64_t& to) noexcept
+// Narrows [from, to] to the rows on which e lies at least m columns left of g (eLeft) or right of
+// it, found from the exact lines: the condition is linear in y, (g - e - m)(y) >= 0 or
+// (e - g - m)(y) >= 0, times dy_g dy_e. False when no row is left.
+bool keepApart(const Line* e, const Line* g, bool eLeft, std::int64_t m, std::int64_t& from, std::int64_t& to) noexcept
 {
+    // dy < 2^27, |dx| <= 2^31, |y1| <= 2^31 and |base| < 2^34: every factor pair below fits 64 bits,
+    // and only the sums of the products need the wide type.
+    const std::int64_t dyProduct = g->dy * e->dy;
+    // g(y) - e(y) - m = (g.base - e.base - m) + (y - g.y1) g.dx / g.dy - (y - e.y1) e.dx / e.dy
+    std::int64_t slope = g->dx * e->dy - e->dx * g->dy;
+    const Wide gTerm = Wide::product(g->y1 * g->dx, e->dy), eTerm = Wide::product(e->y1 * e->dx, g->dy);
+    Wide at0 = Wide::product(g->base - e->base - m, dyProduct) - gTerm + eTerm;
+    if (!eLeft) { // e(y) - g(y) - m
+        slope = -slope;
+        at0 = -Wide::product(g->base - e->base + m, dyProduct) + gTerm - eTerm;
+    }
+    // at0 + slope y >= 0
+    if (slope == 0) {
+        if (at0.negative()) return false;
+    } else if (slope > 0) {
+        const Wide lowest = -Wide::floorDiv(at0, slope); // ceil(-at0 / slope)
+        if (lowest > Wide(to)) return false;
+        if (lowest > Wide(from)) from = lowest.to64();
+    } else {
+        const Wide highest = Wide::floorDiv(at0, -slope);
+        if (highest < Wide(from)) return false;
+        if (highest < Wide(to)) to = highest.to64();
+    }
+    return from <= to;
+}
+
+// The rows of [from, to] on which e lies at least m columns away from every other line, each
+// staying on the side it holds on row y (none level with e there); how many lie left of e, and the
+// sum of their directions.
+bool isolatedOn(const std::vector<const Line*>& active, const Line* e, std::int64_t y, std::int64_t m,
+                std::int64_t& from, std::int64_t& to, std::size_t& leftOf, int& leftSum) noexcept
+{
+    const std::int64_t x = xAt(*e, y);
+    leftOf = 0;
+    leftSum = 0;
     for (const Line* g : active) {
         if (g == e) continue;
-        // dy < 2^27, |dx| <= 2^31, |y1| <= 2^31 and |base| < 2^34: every factor pair below fits
-        // 64 bits, and only the sums of the products need the wide type.
-        const std::int64_t dyProduct = g->dy * e->dy;
-        // g(y) - e(y) - 1 = (g.base - e.base - 1) + (y - g.y1) g.dx / g.dy - (y - e.y1) e.dx / e.dy
-        std::int64_t slope = g->dx * e->dy - e->dx * g->dy;
-        const Wide gTerm = Wide::product(g->y1 * g->dx, e->dy), eTerm = Wide::product(e->y1 * e->dx, g->dy);
-        Wide at0 = Wide::product(g->base - e->base - 1, dyProduct) - gTerm + eTerm;
-        if (!left) { // e(y) - g(y) - 1
-            slope = -slope;
-            at0 = -Wide::product(g->base - e->base + 1, dyProduct) + gTerm - eTerm;
-        }
-        // at0 + slope y >= 0
-        if (slope == 0) {
-            if (at0.negative()) return false;
-        } else if (slope > 0) {
-            const Wide lowest = -Wide::floorDiv(at0, slope); // ceil(-at0 / slope)
-            if (lowest > Wide(to)) return false;
-            if (lowest > Wide(from)) from = lowest.to64();
-        } else {
-            const Wide highest = Wide::floorDiv(at0, -slope);
-            if (highest < Wide(from)) return false;
-            if (highest < Wide(to)) to = highest.to64();
-        }
+        const std::int64_t gx = xAt(*g, y);
+        if (gx == x) return false;
+        if (gx < x) ++leftOf, leftSum += g->direction;
+        if (!keepApart(e, g, gx > x, m, from, to)) return false;
     }
     return from < to;
 }
@@ -113,8 +128,8 @@ private:
 };
 
 // The rows of [from, to] (a stretch in which the same lines are active) that must each start a
-// band. The candidates are the lines furthest left and right on the stretch's first and last rows,
-// each with the rows (a, b] on which it lies alone on its side. A line that moves a column a row or
+// band. The candidates are the lines, each with the rows (a, b] on which it lies alone on its side
+// (in a stretch of many lines, only those furthest left and right on its first and last rows). A line that moves a column a row or
 // more moves on all of them; a steeper one on the rows where it passes a column. atOnce() is the
 // larger side's count, or the rows of the first kind, found with no walk; counted() joins both
 // kinds, each row once, walking the rows where steeper lines move.
@@ -126,32 +141,66 @@ public:
         int sum = 0;
         for (const Line* l : active) sum += l->direction;
         if (winding ? sum != 0 : active.size() % 2 != 0) return;
-        std::int64_t most = 0; // the lines of one side hold different rows, so each side's sum is a bound
-        for (const bool left : {true, false}) {
-            const Line* tried = nullptr;
-            std::int64_t side = 0;
-            for (const std::int64_t y : {from, to}) {
-                const Line* best = nullptr;
-                std::int64_t bestX = 0;
-                for (const Line* l : active) {
-                    const std::int64_t x = xAt(*l, y);
-                    if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
+        // A line alone at one end of the rows, a column or more from every other, is the end of the
+        // row's pixels, so each row on which it moves starts a band. A line between others is an edge
+        // of them (ALTERNATE: the parity changes there; WINDING: where the directions to its left,
+        // or with it, sum to zero), and so is none where it was a row before, as long as every other
+        // line lies further from it than it moves in a row: each row on which it moves starts a
+        // band too. The rows of such lines that move every row are joined over all of them; the
+        // others count their moves, the larger count of one line. The lines alone at one end hold
+        // rows apart from each other, so the counts of one end add up.
+        std::int64_t ends[2] = {0, 0}, single = 0;
+        const Line* candidates[4 * kEveryLine];
+        std::size_t count = 0;
+        if (active.size() <= kEveryLine) {
+            for (const Line* l : active) candidates[count++] = l;
+        } else { // in a stretch of many lines, those furthest out at its ends
+            for (const bool left : {true, false})
+                for (const std::int64_t y : {from, to}) {
+                    const Line* best = nullptr;
+                    std::int64_t bestX = 0;
+                    for (const Line* l : active) {
+                        const std::int64_t x = xAt(*l, y);
+                        if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
+                    }
+                    if (std::find(candidates, candidates + count, best) == candidates + count) candidates[count++] = best;
                 }
-                if (best == tried || best->dx == 0) continue;
-                tried = best;
-                std::int64_t a = from, b = to;
-                if (!aloneOn(active, best, left, a, b)) continue;
-                if ((best->dx < 0 ? -best->dx : best->dx) >= best->dy) {
-                    covered_[coveredCount_++] = Range{a, b};
-                    side += b - a;
-                } else {
-                    steep_[steepCount_++] = Steep{best, a, b};
-                    const std::int64_t moved = xAt(*best, b) - xAt(*best, a);
-                    side += moved < 0 ? -moved : moved;
-                }
-            }
-            most = std::max(most, side);
         }
+        for (std::size_t c = 0; c < count; ++c) {
+            const Line* line = candidates[c];
+            if (line->dx == 0) continue;
+            const std::int64_t speed = ceilDiv(line->dx < 0 ? -line->dx : line->dx, line->dy);
+            std::int64_t lastA = 0, lastB = -1;
+            for (const std::int64_t y : {from, to}) {
+                std::int64_t a = from, b = to;
+                std::size_t leftOf = 0;
+                int leftSum = 0;
+                if (!isolatedOn(active, line, y, 1, a, b, leftOf, leftSum)) continue;
+                const bool atEnd = leftOf == 0 || leftOf + 1 == active.size();
+                if (!atEnd) {
+                    if (winding && leftSum != 0 && leftSum + line->direction != 0) continue;
+                    a = from, b = to;
+                    if (!isolatedOn(active, line, y, speed + 1, a, b, leftOf, leftSum)) continue;
+                }
+                if (a <= lastB && b >= lastA) continue; // the same rows as from the other end
+                lastA = a, lastB = b;
+                // Each band that starts there holds as many rectangles as the rows there have spans.
+                const std::int64_t spans = spansPerRow(active, winding, a, b);
+                std::int64_t rows = 0;
+                if ((line->dx < 0 ? -line->dx : line->dx) >= line->dy) {
+                    covered_[coveredCount_++] = Range{a, b};
+                    rows = b - a;
+                } else {
+                    steep_[steepCount_++] = Steep{line, a, b};
+                    const std::int64_t moved = xAt(*line, b) - xAt(*line, a);
+                    rows = moved < 0 ? -moved : moved;
+                }
+                if (leftOf == 0) ends[0] += rows * spans;
+                if (leftOf + 1 == active.size()) ends[1] += rows * spans;
+                single = std::max(single, rows * spans);
+            }
+        }
+        const std::int64_t most = std::max({ends[0], ends[1], single});
         // The ranges of lines that move every row, joined, as rows (a, b].
         std::sort(covered_, covered_ + coveredCount_, [](const Range& p, const Range& q) { return p.a < q.a; });
         std::size_t joined = 0;
@@ -165,7 +214,7 @@ public:
         coveredCount_ = joined;
         for (std::size_t i = 0; i < coveredCount_; ++i) coveredRows_ += covered_[i].b - covered_[i].a;
         perRow_ = spansPerRow(active, winding, from, to);
-        atOnce_ = std::max(most, coveredRows_) * perRow_;
+        atOnce_ = std::max(most, coveredRows_ * perRow_);
         if (active.size() == 2) atOnce_ = std::max(atOnce_, pairRows(*active[0], *active[1], from, to));
     }
 
@@ -206,26 +255,41 @@ public:
     }
 
 private:
-    // The spans every row of the stretch holds, where its edges keep their order at least two
-    // columns apart from its first row to its last (and so on every row between, each distance
-    // being linear): a band that starts there holds that many rectangles. 1 otherwise.
+    // A number of spans every row of the stretch holds. The edges, in their order on its first row,
+    // fall into groups such that every edge of a group lies more than a column left of every edge of
+    // the next, on the first row and on the last, and so on every row between (the distance from the
+    // rightmost of one group to the leftmost of the next is convex). Between two groups lies at least
+    // one pixel, in the region or out of it as the edges to its left fill (an odd number of them for
+    // ALTERNATE, directions not summing to zero for WINDING): every row has as many spans at least as
+    // there are runs of groups' gaps in the region with gaps out of it between them.
     static std::int64_t spansPerRow(const std::vector<const Line*>& active, bool winding, std::int64_t from,
                                     std::int64_t to)
     {
         if (active.size() <= 2) return 1;
-        std::vector<std::pair<std::int64_t, const Line*>> order;
-        order.reserve(active.size());
-        for (const Line* l : active) order.emplace_back(xAt(*l, from), l);
-        std::sort(order.begin(), order.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
-        for (std::size_t i = 1; i < order.size(); ++i)
-            if (order[i].first - order[i - 1].first < 2 || xAt(*order[i].second, to) - xAt(*order[i - 1].second, to) < 2)
-                return 1;
-        std::int64_t spans = 0;
+        struct End {
+            std::int64_t first, last;
+            int direction;
+        };
+        std::vector<End> ends;
+        ends.reserve(active.size());
+        for (const Line* l : active) ends.push_back(End{xAt(*l, from), xAt(*l, to), l->direction});
+        std::sort(ends.begin(), ends.end(), [](const End& p, const End& q) { return p.first < q.first; });
+        const std::size_t n = ends.size();
+        std::vector<std::int64_t> lowFirst(n + 1), lowLast(n + 1); // the least x of edges k.. on each row
+        lowFirst[n] = lowLast[n] = std::numeric_limits<std::int64_t>::max();
+        for (std::size_t k = n; k-- > 0;)
+            lowFirst[k] = std::min(lowFirst[k + 1], ends[k].first), lowLast[k] = std::min(lowLast[k + 1], ends[k].last);
+        std::int64_t highFirst = std::numeric_limits<std::int64_t>::min(), highLast = highFirst, spans = 0;
         int sum = 0;
-        for (std::size_t i = 0; i < order.size(); ++i) {
-            const int before = sum;
-            sum += order[i].second->direction;
-            if (winding ? before != 0 && sum == 0 : i % 2 == 1) ++spans; // spans cannot touch here
+        bool inside = false; // the last gap between groups was in the region
+        for (std::size_t k = 0; k + 1 < n; ++k) {
+            highFirst = std::max(highFirst, ends[k].first);
+            highLast = std::max(highLast, ends[k].last);
+            sum += ends[k].direction;
+            if (lowFirst[k + 1] - highFirst < 2 || lowLast[k + 1] - highLast < 2) continue; // the same group
+            const bool in = winding ? sum != 0 : (k + 1) % 2 == 1;
+            if (in && !inside) ++spans;
+            inside = in;
         }
         return std::max<std::int64_t>(spans, 1);
     }
@@ -278,9 +342,11 @@ private:
         const Line* line;
         std::int64_t a, b;
     };
-    // At most two candidates a side.
-    Range covered_[4];
-    Steep steep_[4];
+    // Every line of a stretch of up to kEveryLine is a candidate; of a larger one, those alone at an
+    // end of the rows. Each line counts once from the stretch's first row and once from its last.
+    static constexpr std::size_t kEveryLine = 24;
+    Range covered_[4 * kEveryLine];
+    Steep steep_[4 * kEveryLine];
     std::size_t coveredCount_ = 0, steepCount_ = 0;
     std::int64_t coveredRows_ = 0, atOnce_ = 0, perRow_ = 1;
 };

@@ -428,7 +428,17 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                                                   : std::numeric_limits<std::int64_t>::max();
         for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
         if (!spans.empty()) {
-            for (const Edge* e : active) repeat = std::min(repeat, stillSteps(*e));
+            // The row repeats while its edges stand still. With ALTERNATE, whose spans follow the
+            // parity of the edges left of each pixel, needles (runs of an even number of neighbours
+            // on one course) change nothing wherever they pass and may move; with WINDING the order
+            // of tied edges decides, and every edge must stand still.
+            for (std::size_t i = 0; i < active.size();) {
+                std::size_t j = i + 1;
+                while (!winding && j < active.size() && sameCourse(*active[i], *active[j])) ++j;
+                if (winding || (j - i) % 2 != 0)
+                    for (std::size_t k = i; k < j; ++k) repeat = std::min(repeat, stillSteps(*active[k]));
+                i = j;
+            }
             emptyWalks = 0;
         } else if (!allCancel(active, winding)) {
             repeat = emptyRows(active, winding, y, repeat, ++emptyWalks > kWalksBeforeSearch);
