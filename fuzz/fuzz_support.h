@@ -11,8 +11,8 @@
 #include <cstring>
 #include <vector>
 
-// The rectangles of the regions read back since the count was last cleared: what an input made,
-// which a slow input's time is held against (fuzz/replay.sh).
+// The rectangles of the regions read back or counted since the count was last cleared: what an
+// input made, which a slow input's time is held against (fuzz/replay.sh).
 inline std::uint64_t& rectanglesRead()
 {
     static std::uint64_t count = 0;
@@ -39,3 +39,10 @@ inline void readBack(HRGN h)
 }
 
 inline DWORD liveRegions() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
+
+// Counts a region's rectangles among those made, without reading them.
+inline void countMade(HRGN h)
+{
+    const DWORD size = GetRegionData(h, 0, nullptr);
+    if (size >= sizeof(RGNDATAHEADER)) rectanglesRead() += (size - sizeof(RGNDATAHEADER)) / sizeof(RECT);
+}

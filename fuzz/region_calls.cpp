@@ -22,6 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         }
     };
     auto put = [&](int s, HRGN h) {
+        countMade(h);
         if (live[s]) DeleteObject(slot[s]);
         slot[s] = h;
         live[s] = h != nullptr;
@@ -46,12 +47,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             HRGN d = handle(), a = handle(), b = handle();
             const int mode = in.ConsumeIntegralInRange<int>(0, 6);
             CombineRgn(d, a, b, mode);
+            countMade(d);
             break;
         }
         case 3: {
             HRGN h = handle();
             const int dx = coord(), dy = coord();
             OffsetRgn(h, dx, dy);
+            countMade(h);
             break;
         }
         case 4: {
