@@ -71,6 +71,22 @@ TEST(RegionWork, SliversPastTheLimitFailAfterStepsForTheirPoints)
     }
 }
 
+// Upright edges and edges leaning three columns over 2^27 rows, at the left end of the 32-bit
+// range, filled with WINDING: three rectangles. Where a leaning edge parts from an upright one is
+// found in steps for the logarithm of the rows, though the terms searched for it nearly all miss.
+TEST(RegionWork, EdgesThatBarelyLeanPartInFewSteps)
+{
+    const POINT p[7] = {{-2147483645, -2126577665}, {-2147483645, -2013265921}, {INT_MIN, INT_MIN},
+                        {-2147483645, -2013265921}, {INT_MIN, INT_MIN},         {INT_MIN, -2049897228},
+                        {INT_MIN, INT_MIN}};
+    HRGN h = nullptr;
+    const auto steps = stepsOf([&] { h = CreatePolygonRgn(p, 7, WINDING); });
+    ASSERT_NE(h, nullptr);
+    EXPECT_EQ(rectangles(h), 3u);
+    EXPECT_LT(steps, 5000u);
+    DeleteObject(h);
+}
+
 // Two edges less than a column apart over 2^24 rows, parallel and one row apart: a column lies
 // between them on one row in 64. The rows without a span are passed over to the next with one.
 TEST(RegionWork, AThinSliverCostsItsRectanglesNotItsRows)

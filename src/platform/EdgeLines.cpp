@@ -6,6 +6,7 @@
 
 #include "RegionAlgebra.h"
 #include "Wide.h"
+#include "WorkSteps.h"
 
 #include <algorithm>
 #include <limits>
@@ -157,7 +158,10 @@ struct Pair {
 // y l.base + (k l.dx + rest(y)) / l.dy, rest(y) = (-k l.dx) mod l.dy and k = y - l.y1, that is
 // rest(y) dy_r < e: a term of a sequence (a j + b) mod m below a bound that moves with j. The rows
 // are taken in windows over which e at most doubles or halves; in each, the terms below the
-// window's largest bound are found in turn and checked against the row's own.
+// window's largest bound are found in turn and checked against the row's own. Where the terms and
+// the bound move together, so that many terms found miss, the row is found instead by halving,
+// from the count of rows where the lines differ (sums along them), in a number of steps that
+// grows with the logarithm of the rows.
 std::int64_t firstNear(const Line& l, const Line& r, std::int64_t from, std::int64_t e0, std::int64_t slope,
                        std::int64_t first, std::int64_t last) noexcept
 {
@@ -173,6 +177,28 @@ std::int64_t firstNear(const Line& l, const Line& r, std::int64_t from, std::int
         const std::int64_t j = first + (bound - e(first)) / slope + 1;
         return j <= last ? j : -1;
     }
+    StepCount steps; // a step a term found, and one a count taken
+    // The rows of [j0, j1] where the lines differ: the sum of the differences of their x.
+    auto apart = [&](std::int64_t j0, std::int64_t j1) {
+        steps.add(1);
+        return static_cast<std::int64_t>(sumX(r, from + j0, from + j1) - sumX(l, from + j0, from + j1));
+    };
+    auto byHalving = [&](std::int64_t j0) -> std::int64_t {
+        if (j0 > last || apart(j0, last) == 0) return -1;
+        std::int64_t span = 1; // the first row lies within [j0, j0 + span)
+        while (j0 + span - 1 < last && apart(j0, j0 + span - 1) == 0) span *= 2;
+        std::int64_t lo = j0, hi = std::min(j0 + span - 1, last); // apart(j0, hi) > 0
+        while (lo < hi) {
+            const std::int64_t mid = lo + (hi - lo) / 2;
+            if (apart(j0, mid) > 0)
+                hi = mid;
+            else
+                lo = mid + 1;
+        }
+        return lo;
+    };
+    constexpr int kMisses = 32;
+    int misses = 0;
     std::int64_t start = first;
     while (start <= last) {
         const std::int64_t here = e(start);
@@ -181,19 +207,16 @@ std::int64_t firstNear(const Line& l, const Line& r, std::int64_t from, std::int
             end = std::min(last, start + (here + c) / slope);
         else if (slope < 0)
             end = std::min(last, start + (here / 2) / -slope);
-        int misses = 0;
         while (start <= end) {
             const std::int64_t top = std::max(e(start), e(end));
             const std::int64_t w = std::min((top + c - 1) / c - 1, m - 1); // rest <= w: rest c < top
             const std::int64_t j = firstInRange(a, rest(start), m, 0, w);
+            steps.add(1);
             if (j < 0 || j > end - start) break;
             const std::int64_t at = start + j;
             if (rest(at) * c < e(at)) return at;
             start = at + 1;
-            if (++misses == 8) { // the window's bound is too loose here: narrow it
-                end = start + (end - start) / 2;
-                misses = 0;
-            }
+            if (++misses > kMisses) return byHalving(start);
         }
         start = end + 1;
     }
