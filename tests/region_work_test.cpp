@@ -87,6 +87,23 @@ TEST(RegionWork, EdgesThatBarelyLeanPartInFewSteps)
     DeleteObject(h);
 }
 
+// A needle (an edge out and the same edge back) crossing nearly upright WINDING spans for ten
+// million rows leaning 43 columns a row: it changes no span, and the rows it crosses are passed
+// over but where it passes another edge.
+TEST(RegionWork, ANeedleAcrossSpansCostsNoStepsForItsRows)
+{
+    const POINT p[7] = {{1342177409, 1402798208}, {1342177409, 1342177408}, {1342177411, 1476395135},
+                        {1756699229, 1466761343}, {1342177411, 1476395135}, {1342177152, 1342223232},
+                        {1342177411, 1342177422}};
+    for (const int mode : {ALTERNATE, WINDING}) {
+        HRGN h = nullptr;
+        const auto steps = stepsOf([&] { h = CreatePolygonRgn(p, 7, mode); });
+        ASSERT_NE(h, nullptr);
+        EXPECT_LT(steps, 64 * (rectangles(h) + 7)) << "mode " << mode;
+        DeleteObject(h);
+    }
+}
+
 // Two edges less than a column apart over 2^24 rows, parallel and one row apart: a column lies
 // between them on one row in 64. The rows without a span are passed over to the next with one.
 TEST(RegionWork, AThinSliverCostsItsRectanglesNotItsRows)

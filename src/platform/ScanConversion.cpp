@@ -428,15 +428,38 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                                                   : std::numeric_limits<std::int64_t>::max();
         for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
         if (!spans.empty()) {
-            // The row repeats while its edges stand still. With ALTERNATE, whose spans follow the
-            // parity of the edges left of each pixel, needles (runs of an even number of neighbours
-            // on one course) change nothing wherever they pass and may move; with WINDING the order
-            // of tied edges decides, and every edge must stand still.
+            // The row repeats while its edges stand still, but for needles: runs of neighbours on
+            // one course that cancel. With ALTERNATE, whose spans follow the parity of the edges
+            // left of each pixel, a needle changes nothing wherever it passes. With WINDING, one
+            // where the directions to its left sum to zero, or whose own never bring that sum to
+            // zero, changes nothing while it stays between the same neighbours (passing one changes
+            // the sum to its left).
+            int sum = 0;
             for (std::size_t i = 0; i < active.size();) {
                 std::size_t j = i + 1;
-                while (!winding && j < active.size() && sameCourse(*active[i], *active[j])) ++j;
-                if (winding || (j - i) % 2 != 0)
+                while (j < active.size() && sameCourse(*active[i], *active[j])) ++j;
+                int run = 0;
+                bool closes = false; // the run brings a nonzero sum to zero
+                for (std::size_t k = i; k < j; ++k) {
+                    run += active[k]->direction;
+                    closes = closes || (sum != 0 && sum + run == 0);
+                }
+                const bool needle = winding ? run == 0 && !closes : (j - i) % 2 == 0;
+                if (!needle) {
                     for (std::size_t k = i; k < j; ++k) repeat = std::min(repeat, stillSteps(*active[k]));
+                } else if (winding) {
+                    const Edge& e = *active[i];
+                    const std::int64_t low = std::min(e.m, e.m1), high = std::max(e.m, e.m1);
+                    if (i > 0) {
+                        const Edge& l = *active[i - 1];
+                        repeat = rowsInOrder(l, std::max(l.m, l.m1), e, low, y, repeat, true);
+                    }
+                    if (j < active.size()) {
+                        const Edge& r = *active[j];
+                        repeat = rowsInOrder(e, high, r, std::min(r.m, r.m1), y, repeat, true);
+                    }
+                }
+                sum += run;
                 i = j;
             }
             emptyWalks = 0;
