@@ -11,6 +11,14 @@
 #include <cstring>
 #include <vector>
 
+// The rectangles of the regions read back or counted since the count was last cleared: what an
+// input made, which a slow input's time is held against (fuzz/replay.sh).
+inline std::uint64_t& rectanglesRead()
+{
+    static std::uint64_t count = 0;
+    return count;
+}
+
 // Reads a region back and checks what any reader relies on: the sizes agree, a buffer one byte
 // short is refused, and every rectangle is inside the bounding box. Aborts otherwise.
 inline void readBack(HRGN h)
@@ -23,6 +31,7 @@ inline void readBack(HRGN h)
     if (GetRegionData(h, size - 1, data) != 0) std::abort();
     if (GetRegionData(h, size, data) != size) std::abort();
     if (data->rdh.nCount * 16u + 32u != size) std::abort();
+    rectanglesRead() += data->rdh.nCount;
     RECT box;
     const int kind = GetRgnBox(h, &box);
     if (kind == ERROR || (kind == NULLREGION) != (data->rdh.nCount == 0)) std::abort();
@@ -30,3 +39,10 @@ inline void readBack(HRGN h)
 }
 
 inline DWORD liveRegions() { return GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS); }
+
+// Counts a region's rectangles among those made, without reading them.
+inline void countMade(HRGN h)
+{
+    const DWORD size = GetRegionData(h, 0, nullptr);
+    if (size >= sizeof(RGNDATAHEADER)) rectanglesRead() += (size - sizeof(RGNDATAHEADER)) / sizeof(RECT);
+}

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // CreatePolygonRgn and CreatePolyPolygonRgn with arbitrary points, counts (negative ones too) and
 // fill modes. Counts never claim more points than are given: that would be the caller's fault.
+// Nothing is left out for the size of its result: a polygon past the rectangle limit must fail at
+// once, and one under it costs its rectangles.
 #include "fuzz_support.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
@@ -14,9 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     for (int i = 0; i < polygons; ++i) counts.push_back(in.ConsumeIntegralInRange<INT>(-2, 16));
     std::vector<POINT> points;
     // Small coordinates reach the shapes; large ones the limits: x anywhere, and y within 4096
-    // rows of anywhere or at the heights where the rules change (2^27 rows, 32-bit wrap-around).
-    // A polygon of millions of distinct rows is a result of millions of rectangles, whose making
-    // takes the time of that many; those stay out, so that one input stays within its second.
+    // rows of anywhere, at the heights where the rules change (2^27 rows, 32-bit wrap-around), or
+    // anywhere below 2^27 rows.
     const int scale = in.ConsumeIntegralInRange<int>(0, 2);
     const LONG base = in.ConsumeIntegral<LONG>();
     const std::int64_t heights[] = {0, 1, 4095, (1 << 27) - 1, 1 << 27, 0x80000000LL, 0xFFFFFFFFLL};
@@ -27,10 +28,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             const LONG x = in.ConsumeIntegral<LONG>();
             points.push_back(POINT{x, static_cast<LONG>(std::uint32_t(base) + in.ConsumeIntegralInRange<std::uint32_t>(0, 4095))});
         } else {
-            // Tall ones as slivers a few pixels wide, whose results stay small.
+            // Tall ones: slivers a few pixels wide, or anything across their rows.
             const std::int64_t h = heights[in.ConsumeIntegralInRange<int>(0, 6)];
-            const LONG narrow = static_cast<LONG>(std::uint32_t(base) + in.ConsumeIntegralInRange<std::uint32_t>(0, 3));
-            points.push_back(POINT{narrow, static_cast<LONG>(std::uint32_t(base) + std::uint32_t(h))});
+            const std::uint32_t across = in.ConsumeBool() ? in.ConsumeIntegralInRange<std::uint32_t>(0, 3)
+                                                          : in.ConsumeIntegral<std::uint32_t>();
+            const std::uint32_t down = in.ConsumeBool() ? std::uint32_t(h) : in.ConsumeIntegralInRange<std::uint32_t>(0, (1u << 27) - 1);
+            points.push_back(POINT{static_cast<LONG>(std::uint32_t(base) + across), static_cast<LONG>(std::uint32_t(base) + down)});
         }
     }
     std::int64_t claimed = 0;

@@ -5,10 +5,13 @@
 #include <quillon/Region>
 
 #include "RegionAlgebra.h"
+#include "WorkSteps.h"
 
 #include <limits>
 
 namespace quillon::region_detail {
+
+thread_local std::uint64_t stepsTaken = 0;
 
 // Whether the rectangles are in the canonical form described in RegionAlgebra.h.
 bool isCanonical(const Region& region) noexcept
@@ -112,11 +115,12 @@ std::size_t resultBound(const Region& a, const Region& b, std::size_t stopAbove)
 // The operations on regions in the canonical form, rectangle for rectangle what pixman's band
 // algebra gives, with work that follows the sizes of the operands and of the result rather than
 // their product. The rows are cut into stretches where neither operand changes its band, as
-// pixman cuts them; a stretch covered by one operand alone keeps that band as it is (union, and
-// the first operand of a difference), and a stretch covered by both gets
+// pixman cuts them; a stretch covered by one operand alone keeps that band as it is (union, the
+// first operand of a difference, and either operand of XOR), and a stretch covered by both gets
 //  - intersection: every overlap of a rectangle of one band with a rectangle of the other;
 //  - union: the spans of both bands, joined where they overlap or touch;
-//  - difference: each rectangle of the first band less the second band, in its uncovered pieces.
+//  - difference: each rectangle of the first band less the second band, in its uncovered pieces;
+//  - XOR: what the union of the two differences gives, made in the same one sweep.
 // A stretch whose band is the one just above it, rectangle for rectangle, joins that band.
 //
 // A wide band met by a narrow one changes only near the narrow band's rectangles. Such a result
@@ -252,7 +256,7 @@ bool sameBand(const BandResult& a, const BandResult& b, std::vector<Span>& sa, s
     return true;
 }
 
-enum class Op { Intersect, Union, Subtract };
+enum class Op { Intersect, Union, Subtract, Exclusive };
 
 // The band algebra over two regions in the canonical form; with writing false it only counts.
 class BandSweep {
@@ -312,25 +316,34 @@ private:
     bool stretch(const BandView& a, const BandView& b, std::int64_t top, std::int64_t bottom)
     {
         BandResult& cur = results_[current_];
+        // The work of a stretch: a step for each rectangle of the smaller band, and for each span
+        // made, compared or written.
+        steps_.add(1 + std::min(a.n, b.n));
         if (a.n && b.n) {
             switch (op_) {
             case Op::Intersect: intersect(a, b, cur); break;
             case Op::Union: unite(a, b, cur); break;
             case Op::Subtract: subtract(a, b, cur); break;
+            case Op::Exclusive: exclusive(a, b, cur); break;
             }
         } else if (a.n && op_ != Op::Intersect) {
             cur.start(a.r, a.n);
-        } else if (b.n && op_ == Op::Union) {
+        } else if (b.n && (op_ == Op::Union || op_ == Op::Exclusive)) {
             cur.start(b.r, b.n);
         } else {
             cur.start(nullptr, 0);
         }
+        steps_.add(cur.spans.size() + cur.patches.size());
         if (cur.length == 0) { // nothing here: the band above is not continued
             havePrevious_ = false;
             return true;
         }
         const BandResult& prev = results_[1 - current_];
-        if (havePrevious_ && previousBottom_ == top && sameBand(prev, cur, sa_, sb_)) {
+        sa_.clear();
+        sb_.clear();
+        const bool same = havePrevious_ && previousBottom_ == top && sameBand(prev, cur, sa_, sb_);
+        steps_.add(sa_.size() + sb_.size());
+        if (same) {
             if (writing_)
                 for (Box* box = boxes_.begin() + previousStart_; box != boxes_.end(); ++box)
                     box->y2 = static_cast<std::int32_t>(bottom);
@@ -341,6 +354,7 @@ private:
         }
         if (cur.length > limit_ - count_) return false;
         if (writing_) {
+            steps_.add(cur.length);
             if (!boxes_.reserveMore(cur.length)) return false;
             previousStart_ = boxes_.size();
             const auto t = static_cast<std::int32_t>(top), b2 = static_cast<std::int32_t>(bottom);
@@ -457,6 +471,106 @@ private:
         if (open) out.patch(from, to, first);
     }
 
+    // The spans that one band covers and the other does not, as the union of the two differences
+    // gives them: each band less the other, in its uncovered pieces; where both differences hold
+    // pieces they are joined where they overlap or touch, and where one alone does its pieces stay
+    // as they are. A wide band w met by a narrow one n: w less n is held as w patched (as
+    // subtract holds it), n less w is made outright, and where both hold pieces the result is the
+    // runs of what one band alone covers: w's runs (its touching rectangles joined), made again
+    // only around n's rectangles.
+    void exclusive(const BandView& a, const BandView& b, BandResult& out)
+    {
+        const bool aWide = a.n > b.n;
+        const BandView& w = aWide ? a : b;
+        const BandView& n = aWide ? b : a;
+        onlyA_.clear();
+        onlyB_.clear();
+        for (Index i = 0; i < n.n; ++i) piecesOf(n.r[i], w, onlyB_);
+        if (w.n <= kSmall) {
+            for (Index i = 0; i < w.n; ++i) piecesOf(w.r[i], n, onlyA_);
+            out.start(nullptr, 0);
+            if (onlyA_.empty() || onlyB_.empty()) {
+                const std::vector<Span>& alone = onlyA_.empty() ? onlyB_ : onlyA_;
+                out.spans.assign(alone.begin(), alone.end());
+            } else {
+                std::size_t i = 0, j = 0;
+                while (i < onlyA_.size() || j < onlyB_.size()) {
+                    const bool fromA = j == onlyB_.size() || (i < onlyA_.size() && onlyA_[i].x1 < onlyB_[j].x1);
+                    const Span s = fromA ? onlyA_[i++] : onlyB_[j++];
+                    if (!out.spans.empty() && out.spans.back().x2 >= s.x1)
+                        out.spans.back().x2 = std::max(out.spans.back().x2, s.x2);
+                    else
+                        out.spans.push_back(s);
+                }
+            }
+            out.patch(0, 0, 0);
+            return;
+        }
+        subtract(w, n, out); // w less n
+        if (onlyB_.empty()) return;
+        if (out.length == 0) { // n less w alone
+            out.start(nullptr, 0);
+            out.spans.assign(onlyB_.begin(), onlyB_.end());
+            out.patch(0, 0, 0);
+            return;
+        }
+        const BandView runs = joined(aWide ? 0 : 1, w);
+        out.start(runs.r, runs.n);
+        constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::max();
+        // The runs that a rectangle of n overlaps or touches, and the stretch of x they and it cover.
+        auto reach = [&](Index i, Index& lo, Index& hi, std::int64_t& left, std::int64_t& right) {
+            lo = firstEndingAfter(runs, n.r[i].x1, true);
+            hi = firstStartingFrom(runs, n.r[i].x2, true);
+            left = lo < hi ? std::min(runs.r[lo].x1, n.r[i].x1) : n.r[i].x1;
+            right = lo < hi ? std::max(runs.r[hi - 1].x2, n.r[i].x2) : n.r[i].x2;
+        };
+        Index i = 0;
+        while (i < n.n) {
+            // A cluster of n's rectangles whose stretches overlap or touch, made again as a whole.
+            Index lo = 0, hi = 0;
+            std::int64_t left = 0, right = 0;
+            reach(i, lo, hi, left, right);
+            Index j = i + 1;
+            for (; j < n.n; ++j) {
+                Index lo2 = 0, hi2 = 0;
+                std::int64_t left2 = 0, right2 = 0;
+                reach(j, lo2, hi2, left2, right2);
+                if (left2 > right) break;
+                if (lo2 < hi2) lo = std::min(lo, lo2), hi = std::max(hi, hi2);
+                right = std::max(right, right2);
+            }
+            (void)left;
+            // What one of runs [lo, hi) and n's rectangles [i, j) covers, in runs.
+            const Index first = out.spans.size();
+            Index p = lo, q = i;
+            bool inW = false, inN = false;
+            std::int64_t at = std::numeric_limits<std::int64_t>::min();
+            while (true) {
+                const std::int64_t nextW = p < hi ? (inW ? runs.r[p].x2 : runs.r[p].x1) : kNone;
+                const std::int64_t nextN = q < j ? (inN ? n.r[q].x2 : n.r[q].x1) : kNone;
+                const std::int64_t x = std::min(nextW, nextN);
+                if (x == kNone) break;
+                if (inW != inN && at < x) {
+                    if (out.spans.size() > first && out.spans.back().x2 == at)
+                        out.spans.back().x2 = static_cast<std::int32_t>(x);
+                    else
+                        out.spans.push_back(Span{static_cast<std::int32_t>(at), static_cast<std::int32_t>(x)});
+                }
+                at = x;
+                if (nextW == x) {
+                    if (inW) ++p;
+                    inW = !inW;
+                }
+                if (nextN == x) {
+                    if (inN) ++q;
+                    inN = !inN;
+                }
+            }
+            out.patch(lo, hi, first);
+            i = j;
+        }
+    }
+
     // The spans of both bands joined. Over a wide band (its own touching rectangles joined
     // first), each run that the narrow band's rectangles reach becomes one span.
     void unite(const BandView& a, const BandView& b, BandResult& out)
@@ -564,6 +678,8 @@ private:
     BoxBuffer boxes_;
     Joined joined_[2];
     std::vector<Span> sa_, sb_;
+    std::vector<Span> onlyA_, onlyB_;
+    StepCount steps_;
 };
 
 bool extentsMeet(const Box& a, const Box& b) noexcept
@@ -600,6 +716,13 @@ bool bandOperation(Op op, Region& out, const Region& a, const Region& b)
         if (na == 0 || nb == 0 || !extentsMeet(ea, eb) || &a == &b)
             return pixman_region32_subtract(out.get(), ra, rb);
         break;
+    case Op::Exclusive: // what the two differences and their union give in these cases
+        if (&a == &b) {
+            out.clear();
+            return true;
+        }
+        if (na == 0 || nb == 0) return out.copyFrom(na == 0 ? b : a);
+        break;
     }
     if (resultBound(a, b, kMaxRects) > kMaxRects) {
         BandSweep counting(op, a, b, false, kMaxRects);
@@ -621,13 +744,7 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode)
     case RGN_AND: ok = bandOperation(Op::Intersect, result, a, b); break;
     case RGN_OR: ok = bandOperation(Op::Union, result, a, b); break;
     case RGN_DIFF: ok = bandOperation(Op::Subtract, result, a, b); break;
-    case RGN_XOR: {
-        Region ab, ba;
-        ok = bandOperation(Op::Subtract, ab, a, b) &&
-             bandOperation(Op::Subtract, ba, b, a) &&
-             bandOperation(Op::Union, result, ab, ba);
-        break;
-    }
+    case RGN_XOR: ok = bandOperation(Op::Exclusive, result, a, b); break;
     case RGN_COPY: ok = result.copyFrom(a); break;
     default: return false;
     }
@@ -649,107 +766,6 @@ bool offset(Region& region, std::int32_t dx, std::int32_t dy)
         return false;
     pixman_region32_translate(region.get(), dx, dy);
     return true;
-}
-
-// ----- the union of many pieces ----------------------------------------------------------------
-
-// The union of many regions at once, the same, rectangle for rectangle, as joining them one by
-// one with the union above: a row that one part alone covers keeps that part's rectangles as they
-// are (touching pairs included), a row that two or more parts cover gets their spans joined where
-// they overlap or touch, and neighbouring bands with the same spans are one band. Parts are
-// swept from top to bottom; the work is the rectangles of the parts and of the result, with a
-// sort of each row's spans.
-bool unionAll(const std::vector<BoxRun>& parts, Region& out)
-{
-    struct Band {
-        std::int32_t top, bottom;
-        const Box* first;
-        int n;
-    };
-    std::size_t total = 0;
-    for (const BoxRun& part : parts) total += static_cast<std::size_t>(part.n);
-    std::vector<Band> bands;
-    bands.reserve(total);
-    for (const BoxRun& part : parts) {
-        const int n = part.n;
-        const Box* b = part.first;
-        for (int i = 0; i < n;) {
-            int j = i + 1;
-            while (j < n && b[j].y1 == b[i].y1) ++j;
-            bands.push_back(Band{b[i].y1, b[i].y2, b + i, j - i});
-            i = j;
-        }
-    }
-    // By top, bands of one top in their order. Where the tops span few rows for their number, as
-    // the pieces of a mapped region do, by counting; else by merging.
-    std::int64_t low = 0, high = -1;
-    if (!bands.empty()) {
-        low = high = bands[0].top;
-        for (const Band& b : bands) low = std::min<std::int64_t>(low, b.top), high = std::max<std::int64_t>(high, b.top);
-    }
-    if (high - low < 4 * std::int64_t(bands.size()) + 1024) {
-        std::vector<std::size_t> at(static_cast<std::size_t>(high - low + 2), 0);
-        for (const Band& b : bands) ++at[static_cast<std::size_t>(b.top - low + 1)];
-        for (std::size_t k = 1; k < at.size(); ++k) at[k] += at[k - 1];
-        std::vector<Band> sorted(bands.size());
-        for (const Band& b : bands) sorted[at[static_cast<std::size_t>(b.top - low)]++] = b;
-        bands.swap(sorted);
-    } else {
-        std::stable_sort(bands.begin(), bands.end(), [](const Band& a, const Band& b) { return a.top < b.top; });
-    }
-    BoxBuffer boxes;
-    if (!boxes.reserveMore(std::min(total, kMaxRects))) return false; // the usual size of a union
-    std::vector<const Band*> active;
-    std::vector<Span> row, prev;
-    std::size_t prevStart = 0; // first box of the last band written
-    std::int64_t prevBottom = std::numeric_limits<std::int64_t>::min();
-    Box bound{0, 0, 0, 0};
-    std::size_t next = 0;
-    std::int64_t y = bands.empty() ? 0 : bands[0].top;
-    while (next < bands.size() || !active.empty()) {
-        active.erase(std::remove_if(active.begin(), active.end(),
-                                    [y](const Band* b) { return b->bottom <= y; }),
-                     active.end());
-        if (active.empty() && next < bands.size() && bands[next].top > y) y = bands[next].top;
-        while (next < bands.size() && bands[next].top <= y) active.push_back(&bands[next++]);
-        if (active.empty()) continue;
-        std::int64_t end = next < bands.size() ? bands[next].top : std::numeric_limits<std::int64_t>::max();
-        for (const Band* b : active) end = std::min<std::int64_t>(end, b->bottom);
-        row.clear();
-        if (active.size() == 1) {
-            const Band& b = *active[0];
-            for (int i = 0; i < b.n; ++i) row.push_back(Span{b.first[i].x1, b.first[i].x2});
-        } else {
-            for (const Band* b : active)
-                for (int i = 0; i < b->n; ++i) row.push_back(Span{b->first[i].x1, b->first[i].x2});
-            std::sort(row.begin(), row.end(),
-                      [](const Span& a, const Span& b) { return a.x1 < b.x1; });
-            std::size_t kept = 0;
-            for (const Span& s : row) {
-                if (kept > 0 && row[kept - 1].x2 >= s.x1)
-                    row[kept - 1].x2 = std::max(row[kept - 1].x2, s.x2);
-                else
-                    row[kept++] = s;
-            }
-            row.resize(kept);
-        }
-        if (prevBottom == y && row == prev) {
-            for (Box* b = boxes.begin() + prevStart; b != boxes.end(); ++b) b->y2 = static_cast<std::int32_t>(end);
-        } else {
-            if (!boxes.reserveMore(row.size())) return false;
-            prevStart = boxes.size();
-            for (const Span& s : row)
-                boxes.push(Box{s.x1, static_cast<std::int32_t>(y), s.x2, static_cast<std::int32_t>(end)});
-            if (prevStart == 0) bound = Box{row.front().x1, static_cast<std::int32_t>(y), row.back().x2, 0};
-            bound.x1 = std::min(bound.x1, row.front().x1);
-            bound.x2 = std::max(bound.x2, row.back().x2);
-            prev.swap(row);
-        }
-        bound.y2 = static_cast<std::int32_t>(end);
-        prevBottom = end;
-        y = end;
-    }
-    return boxes.handOver(out, bound);
 }
 
 } // namespace quillon::region_detail

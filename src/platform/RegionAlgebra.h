@@ -212,13 +212,5 @@ bool combine(Region& dest, const Region& a, const Region& b, int mode);
 // box (right and bottom included) would fall outside [kMinCoordinate, kMaxCoordinate]. An empty
 // region moves by anything.
 bool offset(Region& region, std::int32_t dx, std::int32_t dy);
-// The rectangles of one region in the canonical form, held elsewhere.
-struct BoxRun {
-    const Box* first;
-    int n;
-};
-// The union of many regions at once, rectangle for rectangle what joining them one by one with
-// combine gives; false past the rectangle limit.
-bool unionAll(const std::vector<BoxRun>& parts, Region& out);
 
 } // namespace quillon::region_detail

@@ -14,6 +14,8 @@
 #include "RegionAlgebra.h"
 #include "RegionUnion.h"
 #include "ScanConversion.h"
+#include "UnionOfPieces.h"
+#include "WorkSteps.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -68,6 +70,9 @@ R guarded(R failure, F&& f) noexcept
 }
 
 std::unique_ptr<Region> newRegion() { return std::unique_ptr<Region>(new (std::nothrow) Region); }
+
+// Pieces of a union that could make no more rectangles than this are not measured beforehand.
+constexpr std::int64_t kUnmeasured = 4096;
 
 } // namespace
 
@@ -303,6 +308,11 @@ DWORD GetGuiResources(HANDLE process, DWORD flags)
         return static_cast<DWORD>(table().live());
     });
 }
+unsigned long long quillon_region_steps(void)
+{
+    return stepsTaken;
+}
+
 HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* counts, int polygons,
                                    int mode)
 {
@@ -315,49 +325,54 @@ HRGN quillon_region_union_polygons(HRGN base, const POINT* points, const INT* co
             const bool read = table().read(base, [&](const Region& r) { made = result->copyFrom(r); });
             if (!read || !made) return nullptr;
         }
-        // Pieces are joined in batches of at most about kMaxRects rectangles, each batch with the
-        // union so far: the same result, with the memory of one call bounded. The pieces' rectangles
-        // go one after another into one array, made with one scratch space: nothing is allocated
-        // per piece once these have grown.
+        // One budget for the call: the pieces together make at most kMaxRects rectangles. Each
+        // piece's bound from its edges is set aside first, so that pieces that must pass the budget
+        // together fail the call before any is made, and a piece is made with what the others leave.
+        std::vector<std::int64_t> bounds(static_cast<std::size_t>(polygons));
+        std::int64_t reserved = 0;
+        const POINT* p = points;
+        for (int i = 0; i < polygons; ++i) {
+            if (counts[i] < 0) return nullptr;
+            bounds[i] = polygonBound(p, counts[i], mode, kUnmeasured);
+            reserved += bounds[i];
+            if (reserved > std::int64_t(kMaxRects)) return nullptr;
+            p += counts[i];
+        }
+        // The pieces' rectangles go one after another into one array, made with one scratch space:
+        // nothing is allocated per piece once these have grown.
         const ScanScratchPtr scratch = newScanScratch();
         if (!scratch) return nullptr;
         std::vector<Box> boxes;
-        std::vector<std::size_t> starts; // where each piece of the batch begins in boxes
+        std::vector<BoxRun> parts;
+        std::vector<std::size_t> starts; // where each piece made begins in boxes
         boxes.reserve(std::min<std::size_t>(8 * static_cast<std::size_t>(polygons), kMaxRects)); // a few bands a piece
         starts.reserve(static_cast<std::size_t>(polygons));
-        auto flush = [&]() {
-            std::vector<BoxRun> parts;
-            parts.reserve(starts.size() + 1);
-            if (made) {
-                int n = 0;
-                const Box* first = result->boxes(n);
-                parts.push_back(BoxRun{first, n});
-            }
-            for (std::size_t k = 0; k < starts.size(); ++k) {
-                const std::size_t end = k + 1 < starts.size() ? starts[k + 1] : boxes.size();
-                parts.push_back(BoxRun{boxes.data() + starts[k], static_cast<int>(end - starts[k])});
-            }
-            Region joined;
-            if (!unionAll(parts, joined)) return false;
-            result->swap(joined);
-            boxes.clear();
-            starts.clear();
-            made = true;
-            return true;
-        };
-        const POINT* p = points;
+        p = points;
         for (int i = 0; i < polygons; ++i) {
-            const INT n = counts[i];
-            if (n < 0) return nullptr;
+            reserved -= bounds[i];
             const std::size_t start = boxes.size();
-            if (appendPolygon(p, n, mode, *scratch, boxes)) {
-                starts.push_back(start);
-                if (boxes.size() > kMaxRects && !flush()) return nullptr;
+            const std::size_t limit = kMaxRects - start - static_cast<std::size_t>(reserved);
+            switch (appendPolygon(p, counts[i], mode, *scratch, boxes, limit)) {
+            case Piece::made: starts.push_back(start); break;
+            case Piece::failed: break; // left out, as the platform leaves out a piece it cannot make
+            case Piece::tooMany: return nullptr;
             }
-            p += n;
+            p += counts[i];
         }
-        if (!starts.empty() && !flush()) return nullptr;
-        if (!made) return nullptr;
+        if (starts.empty()) return made ? publish(std::move(result), "quillon_region_union_polygons") : nullptr;
+        parts.reserve(starts.size() + 1);
+        if (made) {
+            int n = 0;
+            const Box* first = result->boxes(n);
+            parts.push_back(BoxRun{first, n});
+        }
+        for (std::size_t k = 0; k < starts.size(); ++k) {
+            const std::size_t end = k + 1 < starts.size() ? starts[k + 1] : boxes.size();
+            parts.push_back(BoxRun{boxes.data() + starts[k], static_cast<int>(end - starts[k])});
+        }
+        Region joined;
+        if (!unionAll(parts, joined)) return nullptr;
+        result->swap(joined);
         return publish(std::move(result), "quillon_region_union_polygons");
     });
 }

@@ -17,7 +17,10 @@
 #include <quillon/Region>
 
 #include "ScanConversion.h"
-#include "Wide.h"
+
+#include "EdgeLines.h"
+#include "PolygonBound.h"
+#include "WorkSteps.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -37,6 +40,7 @@ struct Edge {
     std::int64_t last; // last row
     std::int32_t x;    // x on the current row
     std::int32_t d, m, m1, incr1, incr2;
+    std::int32_t x1, dx, dy; // the upper end's x, and the 32-bit differences of the ends
     int direction;     // +1 downward, -1 upward
 };
 
@@ -57,9 +61,9 @@ Edge makeEdge(const POINT& upper, const POINT& lower, int direction) noexcept
     e.top = upper.y;
     e.last = std::int64_t(lower.y) - 1;
     e.direction = direction;
-    e.x = upper.x;
-    const std::int32_t dy = wrap(std::int64_t(lower.y) - upper.y);
-    const std::int32_t dx = wrap(std::int64_t(lower.x) - upper.x);
+    e.x = e.x1 = upper.x;
+    const std::int32_t dy = e.dy = wrap(std::int64_t(lower.y) - upper.y);
+    const std::int32_t dx = e.dx = wrap(std::int64_t(lower.x) - upper.x);
     // 32-bit division truncating toward zero; the one quotient that overflows wraps.
     const std::int32_t m = dy == -1 ? wrap(-std::int64_t(dx)) : dx / dy;
     e.m = m;
@@ -117,40 +121,6 @@ std::int64_t stillSteps(const Edge& e) noexcept
     std::int64_t amount = 0;
     const std::int64_t run = steadySteps(e, amount);
     return !takesLongStep(e) && amount == 0 ? run : 0;
-}
-
-// Rows after this one that stay empty, for a row whose spans are empty: its edges stand in groups
-// at one x each (ALTERNATE pairs and WINDING spans open and close within a group), and the rows stay
-// empty for as long as every edge of a group adds the same amount to x on each step, no group
-// reaches the next, and no x wraps: the order and the groups are then the same on every row. A
-// sliver thinner than a pixel is passed over at once, however many rows it spans.
-std::int64_t emptyRows(const std::vector<Edge*>& active) noexcept
-{
-    std::int64_t rows = std::numeric_limits<std::int64_t>::max();
-    std::int64_t lastX = 0, lastAmount = 0;
-    for (std::size_t i = 0; i < active.size();) {
-        const std::int64_t x = active[i]->x;
-        std::int64_t amount = 0;
-        std::size_t j = i;
-        for (; j < active.size() && active[j]->x == x; ++j) {
-            std::int64_t a = 0;
-            rows = std::min(rows, steadySteps(*active[j], a));
-            if (j > i && a != amount) return 0;
-            amount = a;
-        }
-        // Within the 32-bit range: stays in order with the group to its left.
-        if (amount > 0) rows = std::min(rows, (std::int64_t(std::numeric_limits<std::int32_t>::max()) - x) / amount);
-        if (amount < 0) rows = std::min(rows, (x - std::numeric_limits<std::int32_t>::min()) / -amount);
-        if (i > 0 && lastAmount > amount) rows = std::min(rows, (x - lastX - 1) / (lastAmount - amount));
-        lastX = x, lastAmount = amount;
-        i = j;
-    }
-    return rows;
-}
-
-constexpr std::int64_t floorDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
-{
-    return a >= 0 ? a / b : -((-a + b - 1) / b);
 }
 
 // k steps at once, with exactly the state that k calls of step() leave. With a = incr2 and
@@ -214,6 +184,110 @@ bool allCancel(const std::vector<Edge*>& active, bool winding) noexcept
     return true;
 }
 
+// The exact line an edge's x follows on row y, up to the row before its x wraps or its last row.
+Line lineOf(const Edge& e, std::int64_t y) noexcept
+{
+    std::int64_t shift = 0;
+    const std::int64_t at = wrapRow(e.x1, e.top, e.dx, e.dy, shift);
+    if (y < at) return Line{e.top, std::min(at - 1, e.last), e.x1, e.top, e.dx, e.dy, e.direction};
+    return Line{at, e.last, std::int64_t(e.x1) + shift, e.top, e.dx, e.dy, e.direction};
+}
+
+// The rows after y, at most room, on which e stays no further left than the edge to its left
+// (l): at once where they cannot meet that soon at their largest steps toward each other, else
+// from their exact lines. Ties keep the order the edges hold; a strict crossing changes it.
+std::int64_t rowsInOrder(const Edge& l, std::int64_t lHigh, const Edge& e, std::int64_t eLow, std::int64_t y,
+                         std::int64_t room, bool exact) noexcept
+{
+    const std::int64_t closing = lHigh - eLow;
+    if (closing <= 0) return room;
+    const std::int64_t soon = (std::int64_t(e.x) - l.x) / closing;
+    if (soon >= room || !exact) return std::min(soon, room);
+    const Line a = lineOf(l, y + 1), b = lineOf(e, y + 1);
+    const std::int64_t to = std::min({y + room, a.last, b.last});
+    return std::min(room, firstLeftOf(a, b, y + 1, to) - y - 1);
+}
+
+// Rows after y, at most room, that stay empty, for a row whose spans are empty: its edges stand in
+// groups at one x each, every group cancelling (ALTERNATE: even in number; WINDING: directions
+// summing to zero), and a row stays empty for as long as every group does. Neighbours on the same
+// course move together for good: a group of such runs that each cancel stays cancelling (its runs
+// may part); a group of two runs that do not (a sliver thinner than a pixel) stays until the two
+// part, the first row where they do found from their exact lines; any other group stays while all
+// its edges add the same amount to x each step. ALTERNATE's spans follow the x alone, but WINDING's
+// follow the order of the edges, which must then stay as it is: no run crosses its neighbour.
+// Without exact, only what follows from the edges' steps at once is used (a sliver whose gaps are
+// short is walked); with it, the exact lines, so that however many rows a sliver spans, the work is
+// a few steps for each row with a span.
+std::int64_t emptyRows(const std::vector<Edge*>& active, bool winding, std::int64_t y, std::int64_t room,
+                       bool exact) noexcept
+{
+    constexpr std::int64_t kHighX = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int64_t kLowX = std::numeric_limits<std::int32_t>::min();
+    std::int64_t rows = room;
+    const Edge* left = nullptr; // the run to the left and the most its x moves in a row
+    std::int64_t leftHigh = 0;
+    auto follow = [&](const Edge& e, std::int64_t low, std::int64_t high) {
+        if (!winding) return;
+        // No wrap past either end of the 32-bit range, which reorders the edges.
+        if (high > 0) rows = std::min(rows, (kHighX - e.x) / high);
+        if (low < 0) rows = std::min(rows, (e.x - kLowX) / -low);
+        if (left) rows = rowsInOrder(*left, leftHigh, e, low, y, rows, exact);
+        left = &e;
+        leftHigh = high;
+    };
+    auto steps = [](const Edge& e, std::int64_t& low, std::int64_t& high) {
+        low = std::min(e.m, e.m1);
+        high = std::max(e.m, e.m1);
+    };
+    // The end of the run of edges on one course that starts at k, inside the group ending at j, and
+    // whether it cancels.
+    auto runEnd = [&](std::size_t k, std::size_t j, bool& cancels) {
+        std::size_t u = k + 1;
+        int sum = active[k]->direction;
+        while (u < j && sameCourse(*active[k], *active[u])) sum += active[u++]->direction;
+        cancels = winding ? sum == 0 : (u - k) % 2 == 0;
+        return u;
+    };
+    for (std::size_t i = 0; i < active.size() && rows > 0;) {
+        const std::int32_t x = active[i]->x;
+        std::size_t j = i;
+        while (j < active.size() && active[j]->x == x) ++j;
+        std::size_t runs = 0, second = j;
+        bool cancelling = true, cancels = false;
+        for (std::size_t k = i; k < j; ++runs) {
+            k = runEnd(k, j, cancels);
+            cancelling = cancelling && cancels;
+            if (runs == 0) second = k;
+        }
+        std::int64_t low = 0, high = 0;
+        if (cancelling) {
+            for (std::size_t k = i; k < j; k = runEnd(k, j, cancels)) {
+                steps(*active[k], low, high);
+                follow(*active[k], low, high);
+            }
+        } else if (runs == 2 && exact) {
+            const Edge& a = *active[i];
+            const Line la = lineOf(a, y + 1), lb = lineOf(*active[second], y + 1);
+            const std::int64_t to = std::min({y + rows, la.last, lb.last});
+            rows = std::min(rows, firstApart(la, lb, y + 1, to) - y - 1);
+            steps(a, low, high);
+            follow(a, low, high);
+        } else {
+            std::int64_t amount = 0;
+            for (std::size_t k = i; k < j; ++k) {
+                std::int64_t a = 0;
+                rows = std::min(rows, steadySteps(*active[k], a));
+                if (k > i && a != amount) return 0;
+                amount = a;
+            }
+            follow(*active[i], amount, amount);
+        }
+        i = j;
+    }
+    return std::max<std::int64_t>(rows, 0);
+}
+
 // Collects the rows' spans as rectangles in Boxes (a BoxBuffer, or a BoxList appending to a shared
 // array), joining a row to the band above when its spans are the same.
 template <class Boxes>
@@ -259,12 +333,12 @@ private:
 // Rectangles appended to a shared array from a starting place, with the limit of one region.
 class BoxList {
 public:
-    explicit BoxList(std::vector<Box>& all) noexcept : all_(all), start_(all.size()) {}
+    BoxList(std::vector<Box>& all, std::size_t limit) noexcept : all_(all), start_(all.size()), limit_(limit) {}
     std::size_t size() const noexcept { return all_.size() - start_; }
     Box* end() noexcept { return all_.data() + all_.size(); }
     bool reserveMore(std::size_t k)
     {
-        if (size() + k > kMaxRects) return false;
+        if (size() + k > limit_) return false;
         if (all_.size() + k > all_.capacity()) all_.reserve(std::max(2 * all_.capacity(), all_.size() + k));
         return true;
     }
@@ -273,7 +347,7 @@ public:
 
 private:
     std::vector<Box>& all_;
-    std::size_t start_;
+    std::size_t start_, limit_;
 };
 
 // Spans of one row from the active edges, which are in their order on that row.
@@ -325,6 +399,11 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     active.clear();
     std::size_t next = 0;
     std::int64_t y = edges[0].top;
+    // Rows with no span walked since the last with one: a run of them long enough is passed over
+    // with the edges' exact lines, which cost more than a row.
+    constexpr int kWalksBeforeSearch = 8;
+    int emptyWalks = 0;
+    StepCount steps; // a step a row walked and an edge on it
     while (true) {
         if (active.empty()) {
             if (next == edges.size()) break;
@@ -340,6 +419,7 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                        [](const Edge* a, const Edge* b) { return a->x < b->x; });
             active.swap(merged);
         }
+        steps.add(1 + active.size());
         rowSpans(active, winding, spans);
         // Rows after y that repeat this one: no edge starts or ends, and every edge stands still
         // or all of them cancel out (then they are moved on at once, row by row being no
@@ -348,9 +428,43 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                                                   : std::numeric_limits<std::int64_t>::max();
         for (const Edge* e : active) repeat = std::min(repeat, e->last - y);
         if (!spans.empty()) {
-            for (const Edge* e : active) repeat = std::min(repeat, stillSteps(*e));
+            // The row repeats while its edges stand still, but for needles: runs of neighbours on
+            // one course that cancel. With ALTERNATE, whose spans follow the parity of the edges
+            // left of each pixel, a needle changes nothing wherever it passes. With WINDING, one
+            // where the directions to its left sum to zero, or whose own never bring that sum to
+            // zero, changes nothing while it stays between the same neighbours (passing one changes
+            // the sum to its left).
+            int sum = 0;
+            for (std::size_t i = 0; i < active.size();) {
+                std::size_t j = i + 1;
+                while (j < active.size() && sameCourse(*active[i], *active[j])) ++j;
+                int run = 0;
+                bool closes = false; // the run brings a nonzero sum to zero
+                for (std::size_t k = i; k < j; ++k) {
+                    run += active[k]->direction;
+                    closes = closes || (sum != 0 && sum + run == 0);
+                }
+                const bool needle = winding ? run == 0 && !closes : (j - i) % 2 == 0;
+                if (!needle) {
+                    for (std::size_t k = i; k < j; ++k) repeat = std::min(repeat, stillSteps(*active[k]));
+                } else if (winding) {
+                    const Edge& e = *active[i];
+                    const std::int64_t low = std::min(e.m, e.m1), high = std::max(e.m, e.m1);
+                    if (i > 0) {
+                        const Edge& l = *active[i - 1];
+                        repeat = rowsInOrder(l, std::max(l.m, l.m1), e, low, y, repeat, true);
+                    }
+                    if (j < active.size()) {
+                        const Edge& r = *active[j];
+                        repeat = rowsInOrder(e, high, r, std::min(r.m, r.m1), y, repeat, true);
+                    }
+                }
+                sum += run;
+                i = j;
+            }
+            emptyWalks = 0;
         } else if (!allCancel(active, winding)) {
-            repeat = std::min(repeat, emptyRows(active));
+            repeat = emptyRows(active, winding, y, repeat, ++emptyWalks > kWalksBeforeSearch);
         }
         if (!writer.add(y, y + repeat + 1, spans)) return false;
         if (repeat > 0)
@@ -378,315 +492,6 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     return true;
 }
 
-// ----- a lower bound on the rectangles, without the walk ----------------------------------------
-//
-// A polygon whose result would pass the rectangle limit fails, and the walk finds that out only once
-// it has written that many rectangles, one row at a time. Before a walk of more rows than the limit,
-// this bound counts rows that must each start a new band, from the edges alone, with the work of
-// one step per stretch of rows between edge ends. Past the limit the walk is not made.
-//
-// On every row of a stretch where one edge lies alone to the left of all others, at least one
-// column further on every row, that edge's x is where the row's first span starts (ALTERNATE: it is
-// the first crossing and the second lies further right; WINDING: it takes the sum away from zero,
-// and the sum comes back to zero further right, the directions of a row's edges adding up to zero).
-// The same holds for the right end of the last span and an edge alone to the right. Each row on
-// which that edge's x differs from the row above has other spans than that row, so it starts a
-// band of at least one rectangle: every row for an edge that moves a column a row or more, one
-// row per column crossed for a steeper one.
-
-// A part of an edge on which its x is exactly base + ceil((y - y1) dx / dy). The walk adds the
-// 32-bit differences dx and dy of the edge's ends and wraps x to 32 bits: on the rows where
-// x1 + ceil((y - y1) dx / dy) leaves the 32-bit range, x is that less (or plus) 2^32, so an edge
-// is one line or two.
-struct Line {
-    std::int64_t first, last; // rows
-    std::int64_t base, y1, dx, dy;
-    int direction;
-};
-
-constexpr std::int64_t kTwo32 = std::int64_t(1) << 32;
-
-std::int64_t ceilDiv(std::int64_t a, std::int64_t b) noexcept // b > 0
-{
-    // Division truncates toward zero, which is the ceiling unless a positive remainder is left.
-    const std::int64_t q = a / b;
-    return a % b > 0 ? q + 1 : q;
-}
-
-// x of an edge (upper end x1, y1; differences dx, dy) k rows below its upper end, before wrapping.
-std::int64_t lineX(std::int64_t x1, std::int64_t dx, std::int64_t dy, std::int64_t k) noexcept
-{
-    return x1 + ceilDiv(k * dx, dy);
-}
-
-void addLines(const POINT& upper, const POINT& lower, int direction, std::vector<Line>& out)
-{
-    const std::int64_t dy = wrap(std::int64_t(lower.y) - upper.y); // below 2^27 here
-    const std::int64_t dx = wrap(std::int64_t(lower.x) - upper.x);
-    const std::int64_t x1 = upper.x, y1 = upper.y;
-    const std::int64_t lowX = std::numeric_limits<std::int32_t>::min();
-    const std::int64_t highX = std::numeric_limits<std::int32_t>::max();
-    // The first row on which x leaves the 32-bit range, if any: x moves one way only.
-    auto outside = [&](std::int64_t k) {
-        const std::int64_t x = lineX(x1, dx, dy, k);
-        return x < lowX || x > highX;
-    };
-    std::int64_t k = dy; // none
-    if (outside(dy - 1)) {
-        std::int64_t in = 0, out = dy - 1; // in range at in, outside at out
-        while (out - in > 1) {
-            const std::int64_t mid = in + (out - in) / 2;
-            (outside(mid) ? out : in) = mid;
-        }
-        k = out;
-    }
-    out.push_back(Line{y1, y1 + k - 1, x1, y1, dx, dy, direction});
-    if (k < dy) {
-        const std::int64_t shift = lineX(x1, dx, dy, k) > highX ? -kTwo32 : kTwo32;
-        out.push_back(Line{y1 + k, y1 + dy - 1, x1 + shift, y1, dx, dy, direction});
-    }
-}
-
-std::int64_t xAt(const Line& l, std::int64_t y) noexcept { return lineX(l.base, l.dx, l.dy, y - l.y1); }
-
-// The rows of [from, to] on which e lies at least one column left of every other line (left) or
-// right of it, found from the exact lines: each other line g gives a condition linear in y,
-// (g - e - 1)(y) >= 0 or (e - g - 1)(y) >= 0, times dy_g dy_e.
-bool aloneOn(const std::vector<const Line*>& active, const Line* e, bool left, std::int64_t& from,
-             std::int64_t& to) noexcept
-{
-    for (const Line* g : active) {
-        if (g == e) continue;
-        // dy < 2^27, |dx| <= 2^31, |y1| <= 2^31 and |base| < 2^34: every factor pair below fits
-        // 64 bits, and only the sums of the products need the wide type.
-        const std::int64_t dyProduct = g->dy * e->dy;
-        // g(y) - e(y) - 1 = (g.base - e.base - 1) + (y - g.y1) g.dx / g.dy - (y - e.y1) e.dx / e.dy
-        std::int64_t slope = g->dx * e->dy - e->dx * g->dy;
-        const Wide gTerm = Wide::product(g->y1 * g->dx, e->dy), eTerm = Wide::product(e->y1 * e->dx, g->dy);
-        Wide at0 = Wide::product(g->base - e->base - 1, dyProduct) - gTerm + eTerm;
-        if (!left) { // e(y) - g(y) - 1
-            slope = -slope;
-            at0 = -Wide::product(g->base - e->base + 1, dyProduct) + gTerm - eTerm;
-        }
-        // at0 + slope y >= 0
-        if (slope == 0) {
-            if (at0.negative()) return false;
-        } else if (slope > 0) {
-            const Wide lowest = -Wide::floorDiv(at0, slope); // ceil(-at0 / slope)
-            if (lowest > Wide(to)) return false;
-            if (lowest > Wide(from)) from = lowest.to64();
-        } else {
-            const Wide highest = Wide::floorDiv(at0, -slope);
-            if (highest < Wide(from)) return false;
-            if (highest < Wide(to)) to = highest.to64();
-        }
-    }
-    return from < to;
-}
-
-// The rows after a (up to b) on which a line's x moves, one at a time, for a line that moves less
-// than a column a row: x then moves by one column at a time, on the first row past each column.
-// Those rows are floor(num / |dx|) steps from the line's first row, num moving by dy a column;
-// the quotient is carried with its remainder, so a step costs no division.
-class Moves {
-public:
-    Moves(const Line& l, std::int64_t a, std::int64_t b) : end_(b), divisor_(l.dx < 0 ? -l.dx : l.dx)
-    {
-        // |c| stays within the 32-bit differences and dy below 2^27: the products fit 64 bits.
-        const std::int64_t c = ceilDiv((a - l.y1) * l.dx, l.dy); // the column x reaches on row a
-        // Rightward, column c is passed on row y1 + floor(c dy / dx) + 1; leftward, column c - 1
-        // is reached on row y1 - floor((c - 1) dy / |dx|).
-        const std::int64_t num = l.dx > 0 ? c * l.dy : (c - 1) * l.dy;
-        const std::int64_t step = l.dx > 0 ? l.dy : -l.dy;
-        quotient_ = floorDiv(num, divisor_);
-        remainder_ = num - quotient_ * divisor_;
-        stepQuotient_ = floorDiv(step, divisor_);
-        stepRemainder_ = step - stepQuotient_ * divisor_;
-        sign_ = l.dx > 0 ? 1 : -1;
-        offset_ = l.dx > 0 ? l.y1 + 1 : l.y1;
-        row_ = offset_ + sign_ * quotient_;
-    }
-    bool done() const noexcept { return row_ > end_; }
-    std::int64_t row() const noexcept { return row_; }
-    void advance() noexcept
-    {
-        quotient_ += stepQuotient_;
-        remainder_ += stepRemainder_;
-        if (remainder_ >= divisor_) remainder_ -= divisor_, ++quotient_;
-        row_ = offset_ + sign_ * quotient_;
-    }
-
-private:
-    std::int64_t end_, divisor_;
-    std::int64_t quotient_ = 0, remainder_ = 0, stepQuotient_ = 0, stepRemainder_ = 0;
-    std::int64_t sign_ = 1, offset_ = 0, row_ = 0;
-};
-
-// The rows of [from, to] (a stretch in which the same lines are active) that must each start a
-// band. The candidates are the lines furthest left and right on the stretch's first and last rows,
-// each with the rows (a, b] on which it lies alone on its side. A line that moves a column a row or
-// more moves on all of them; a steeper one on the rows where it passes a column. atOnce() is the
-// larger side's count, or the rows of the first kind, found with no walk; counted() joins both
-// kinds, each row once, walking the rows where steeper lines move.
-class StretchRows {
-public:
-    StretchRows(const std::vector<const Line*>& active, bool winding, std::int64_t from, std::int64_t to)
-    {
-        if (to <= from || active.size() < 2) return;
-        int sum = 0;
-        for (const Line* l : active) sum += l->direction;
-        if (winding ? sum != 0 : active.size() % 2 != 0) return;
-        std::int64_t most = 0; // the lines of one side hold different rows, so each side's sum is a bound
-        for (const bool left : {true, false}) {
-            const Line* tried = nullptr;
-            std::int64_t side = 0;
-            for (const std::int64_t y : {from, to}) {
-                const Line* best = nullptr;
-                std::int64_t bestX = 0;
-                for (const Line* l : active) {
-                    const std::int64_t x = xAt(*l, y);
-                    if (!best || (left ? x < bestX : x > bestX)) best = l, bestX = x;
-                }
-                if (best == tried || best->dx == 0) continue;
-                tried = best;
-                std::int64_t a = from, b = to;
-                if (!aloneOn(active, best, left, a, b)) continue;
-                if ((best->dx < 0 ? -best->dx : best->dx) >= best->dy) {
-                    covered_[coveredCount_++] = Range{a, b};
-                    side += b - a;
-                } else {
-                    steep_[steepCount_++] = Steep{best, a, b};
-                    const std::int64_t moved = xAt(*best, b) - xAt(*best, a);
-                    side += moved < 0 ? -moved : moved;
-                }
-            }
-            most = std::max(most, side);
-        }
-        // The ranges of lines that move every row, joined, as rows (a, b].
-        std::sort(covered_, covered_ + coveredCount_, [](const Range& p, const Range& q) { return p.a < q.a; });
-        std::size_t joined = 0;
-        for (std::size_t i = 0; i < coveredCount_; ++i) {
-            const Range r = covered_[i];
-            if (joined > 0 && r.a <= covered_[joined - 1].b)
-                covered_[joined - 1].b = std::max(covered_[joined - 1].b, r.b);
-            else
-                covered_[joined++] = r;
-        }
-        coveredCount_ = joined;
-        for (std::size_t i = 0; i < coveredCount_; ++i) coveredRows_ += covered_[i].b - covered_[i].a;
-        atOnce_ = std::max(most, coveredRows_);
-    }
-
-    std::int64_t atOnce() const noexcept { return atOnce_; }
-
-    // The rows that start a band, counted up to more than budget (and never fewer than atOnce).
-    std::int64_t counted(std::int64_t budget) const
-    {
-        if (atOnce_ > budget || steepCount_ == 0) return atOnce_;
-        // The rows outside the covered ranges where some steeper line moves, each row once.
-        std::vector<Moves> moves;
-        for (std::size_t i = 0; i < steepCount_; ++i) {
-            const Steep& s = steep_[i];
-            std::int64_t at = s.a; // the rows (at, ...] not yet looked at
-            for (std::size_t j = 0; j < coveredCount_; ++j) {
-                const Range& r = covered_[j];
-                if (r.b <= at) continue;
-                if (r.a >= s.b) break;
-                if (r.a > at) moves.emplace_back(*s.line, at, r.a);
-                at = r.b;
-            }
-            if (at < s.b) moves.emplace_back(*s.line, at, s.b);
-        }
-        std::int64_t rows = coveredRows_;
-        std::int64_t last = std::numeric_limits<std::int64_t>::min();
-        while (rows <= budget) {
-            Moves* next = nullptr;
-            for (Moves& m : moves)
-                if (!m.done() && (!next || m.row() < next->row())) next = &m;
-            if (!next) break;
-            const std::int64_t y = next->row();
-            next->advance();
-            if (y != last) ++rows;
-            last = y;
-        }
-        return std::max(rows, atOnce_);
-    }
-
-private:
-    struct Range {
-        std::int64_t a, b;
-    };
-    struct Steep {
-        const Line* line;
-        std::int64_t a, b;
-    };
-    // At most two candidates a side.
-    Range covered_[4];
-    Steep steep_[4];
-    std::size_t coveredCount_ = 0, steepCount_ = 0;
-    std::int64_t coveredRows_ = 0, atOnce_ = 0;
-};
-
-// A lower bound on the rectangles scanConvert makes of the polygons (all of two or more points,
-// their heights and sum known not to wrap). Stops counting once past the limit. The stretches'
-// bounds found at once come first, over the whole polygon; only when their sum stays within the
-// limit are rows walked, each stretch's walk stopping once the counts so far and the other
-// stretches' quick bounds pass the limit, so that the walks together take at most about the limit's
-// rows.
-std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygons, bool winding)
-{
-    std::vector<Line> lines;
-    const POINT* p = points;
-    for (int i = 0; i < polygons; ++i) {
-        const int n = counts[i];
-        if (n >= 2) {
-            const POINT* prev = &p[n - 1];
-            for (int k = 0; k < n; ++k) {
-                const POINT* cur = &p[k];
-                if (prev->y < cur->y)
-                    addLines(*prev, *cur, +1, lines);
-                else if (prev->y > cur->y)
-                    addLines(*cur, *prev, -1, lines);
-                prev = cur;
-            }
-        }
-        p += n;
-    }
-    std::sort(lines.begin(), lines.end(), [](const Line& a, const Line& b) { return a.first < b.first; });
-    // Calls visit(stretch) for every stretch of rows in which the same lines are active, top to
-    // bottom, until it returns false.
-    std::vector<const Line*> active;
-    const auto eachStretch = [&](auto&& visit) {
-        active.clear();
-        std::size_t next = 0;
-        std::int64_t y = 0;
-        while (next < lines.size() || !active.empty()) {
-            if (active.empty()) y = lines[next].first;
-            while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
-            std::int64_t to = next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
-            for (const Line* l : active) to = std::min(to, l->last);
-            if (!visit(StretchRows(active, winding, y, to))) return;
-            active.erase(std::remove_if(active.begin(), active.end(), [to](const Line* l) { return l->last == to; }),
-                         active.end());
-            y = to + 1;
-        }
-    };
-    const std::int64_t limit = std::int64_t(kMaxRects);
-    std::int64_t total = 0;
-    eachStretch([&](const StretchRows& s) {
-        total += s.atOnce();
-        return total <= limit;
-    });
-    if (total > limit) return total;
-    // Each stretch's quick bound replaced by its count as it is walked.
-    eachStretch([&](const StretchRows& s) {
-        total -= s.atOnce();
-        total += s.counted(limit - total);
-        return total <= limit;
-    });
-    return total;
-}
-
 } // namespace
 
 bool isRectangle(const POINT* p, int n) noexcept
@@ -707,16 +512,19 @@ constexpr std::int64_t kMaxPoints = std::int64_t(1) << 24;
 
 namespace {
 
-// What a polygon call makes before any scan: nothing (a failure), an empty region, one rectangle
-// taken whole, or edges in scratch to scan.
-enum class Outline { failed, empty, rectangle, edges };
+// What a polygon call makes before any scan: nothing (a failure as the platform fails), an empty
+// region, one rectangle taken whole, edges in scratch to scan, or nothing because the result would
+// pass the rectangles the caller allows.
+enum class Outline { failed, empty, rectangle, edges, tooMany };
 
-Outline outline(const POINT* points, const INT* counts, int polygons, bool winding, ScanScratch& scratch,
-                Box& rectangle)
+// The checks made before any edge: the counts, a rectangle taken whole, the heights. For a polygon
+// to scan, its points and the rows of its scan.
+Outline measure(const POINT* points, const INT* counts, int polygons, Box& rectangle, std::int64_t& total,
+                std::int64_t& rows) noexcept
 {
     if (polygons <= 0) return Outline::empty;
     if (!counts) return Outline::failed;
-    std::int64_t total = 0;
+    total = 0;
     for (int i = 0; i < polygons; ++i) {
         if (counts[i] < 0) return Outline::failed;
         total += counts[i];
@@ -728,7 +536,7 @@ Outline outline(const POINT* points, const INT* counts, int polygons, bool windi
         return rectangle.x1 == rectangle.x2 || rectangle.y1 == rectangle.y2 ? Outline::empty : Outline::rectangle;
     }
     bool wrapped = false;
-    std::int64_t rows = 0;
+    rows = 0;
     const POINT* p = points;
     for (int i = 0; i < polygons; ++i) {
         const int n = counts[i];
@@ -743,13 +551,28 @@ Outline outline(const POINT* points, const INT* counts, int polygons, bool windi
     }
     if (!wrapped && wrap(rows) >= kMaxPolygonRows) return Outline::failed;
     if (wrapped || rows >= kMaxPolygonRows) return Outline::empty;
-    // A walk of more rows than the limit first asks the bound whether it could succeed.
-    if (rows > std::int64_t(kMaxRects) && provenRectangles(points, counts, polygons, winding) > std::int64_t(kMaxRects))
-        return Outline::failed;
+    return Outline::edges;
+}
+
+// No band holds more rectangles than half the edges: a scan that could pass limit by this count
+// first asks the bound from the edges whether it must.
+bool mustPass(const POINT* points, const INT* counts, int polygons, bool winding, std::int64_t total,
+              std::int64_t rows, std::int64_t limit)
+{
+    return rows * (total / 2) > limit && provenRectangles(points, counts, polygons, winding, limit, true) > limit;
+}
+
+Outline outline(const POINT* points, const INT* counts, int polygons, bool winding, ScanScratch& scratch,
+                Box& rectangle, std::int64_t limit)
+{
+    std::int64_t total = 0, rows = 0;
+    const Outline kind = measure(points, counts, polygons, rectangle, total, rows);
+    if (kind != Outline::edges) return kind;
+    if (mustPass(points, counts, polygons, winding, total, rows, limit)) return Outline::tooMany;
     std::vector<Edge>& edges = scratch.edges;
     edges.clear();
     edges.reserve(static_cast<std::size_t>(total));
-    p = points;
+    const POINT* p = points;
     for (int i = 0; i < polygons; ++i) {
         const int n = counts[i];
         if (n >= 2) {
@@ -777,8 +600,9 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
 {
     ScanScratch scratch;
     Box rectangle;
-    switch (outline(points, counts, polygons, mode == WINDING, scratch, rectangle)) {
-    case Outline::failed: return false;
+    switch (outline(points, counts, polygons, mode == WINDING, scratch, rectangle, kMaxRects)) {
+    case Outline::failed:
+    case Outline::tooMany: return false;
     case Outline::empty: out.clear(); return true;
     case Outline::rectangle: setRect(out, rectangle); return true;
     case Outline::edges: break;
@@ -788,20 +612,38 @@ bool makePolygons(const POINT* points, const INT* counts, int polygons, int mode
     return scanConvert(scratch, mode == WINDING, writer) && boxes.handOver(out, writer.bound());
 }
 
-bool appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes)
+std::int64_t polygonBound(const POINT* points, INT n, int mode, std::int64_t least)
 {
     Box rectangle;
-    switch (outline(points, &n, 1, mode == WINDING, scratch, rectangle)) {
-    case Outline::failed: return false;
-    case Outline::empty: return true;
-    case Outline::rectangle: boxes.push_back(rectangle); return true;
+    std::int64_t total = 0, rows = 0;
+    switch (measure(points, &n, 1, rectangle, total, rows)) {
+    case Outline::rectangle: return 1;
+    case Outline::edges: break;
+    default: return 0;
+    }
+    if (rows * (total / 2) <= least) return 0;
+    return provenRectangles(points, &n, 1, mode == WINDING, std::int64_t(kMaxRects), false);
+}
+
+Piece appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes,
+                    std::size_t limit)
+{
+    Box rectangle;
+    switch (outline(points, &n, 1, mode == WINDING, scratch, rectangle, std::int64_t(limit))) {
+    case Outline::failed: return Piece::failed;
+    case Outline::tooMany: return Piece::tooMany;
+    case Outline::empty: return Piece::made;
+    case Outline::rectangle:
+        if (limit == 0) return Piece::tooMany;
+        boxes.push_back(rectangle);
+        return Piece::made;
     case Outline::edges: break;
     }
-    BoxList list(boxes);
+    BoxList list(boxes, limit);
     BandWriter<BoxList> writer(list, scratch.lastSpans);
-    if (scanConvert(scratch, mode == WINDING, writer)) return true;
+    if (scanConvert(scratch, mode == WINDING, writer)) return Piece::made;
     list.drop();
-    return false;
+    return Piece::tooMany;
 }
 
 } // namespace quillon::region_detail

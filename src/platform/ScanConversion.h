@@ -6,6 +6,7 @@
 
 #include "RegionAlgebra.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -28,7 +29,15 @@ using ScanScratchPtr = std::unique_ptr<ScanScratch, ScanScratchDeleter>;
 ScanScratchPtr newScanScratch() noexcept; // null when memory runs out
 
 // Appends the rectangles of one polygon, as CreatePolygonRgn makes it, to boxes (in the canonical
-// form, at most kMaxRects of them); false where the call would fail, and then boxes is as it was.
-bool appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes);
+// form, at most limit of them, limit at most kMaxRects). Where CreatePolygonRgn fails, or where the
+// rectangles would pass limit, boxes is left as it was.
+enum class Piece { made, failed, tooMany };
+Piece appendPolygon(const POINT* points, INT n, int mode, ScanScratch& scratch, std::vector<Box>& boxes,
+                    std::size_t limit);
+
+// A lower bound on the rectangles CreatePolygonRgn makes of one polygon, from its edges with no walk
+// (1 for a rectangle taken whole, 0 where it makes nothing); 0 too, without a look at the edges,
+// where no more than least rectangles could come of it.
+std::int64_t polygonBound(const POINT* points, INT n, int mode, std::int64_t least);
 
 } // namespace quillon::region_detail

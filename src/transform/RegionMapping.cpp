@@ -18,6 +18,7 @@
 
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
 
 namespace {
 
@@ -50,31 +51,21 @@ HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
     return result;
 }
 #else
-// The region layer joins the pieces all at once, with the same result as piece after piece:
-// a chunk of pieces at a time, each chunk joined to the union of those before it.
+// The region layer joins the pieces all at once, with the same result as piece after piece, and
+// with one budget of rectangles for all of them.
 template <class T>
 HRGN joinPieces(const Transform<T>& t, const RECT* rects, DWORD n) noexcept
 {
-    constexpr DWORD kChunk = 1u << 16;
-    POINT* corners = static_cast<POINT*>(std::malloc(sizeof(POINT) * 4 * (n < kChunk ? n : kChunk)));
-    INT* counts = static_cast<INT*>(std::malloc(sizeof(INT) * (n < kChunk ? n : kChunk)));
+    if (n > DWORD(std::numeric_limits<int>::max())) return nullptr;
+    POINT* corners = static_cast<POINT*>(std::malloc(sizeof(POINT) * 4 * (n ? n : 1)));
+    INT* counts = static_cast<INT*>(std::malloc(sizeof(INT) * (n ? n : 1)));
     HRGN result = nullptr;
     if (corners && counts) {
-        for (DWORD from = 0; from < n; from += kChunk) {
-            const DWORD m = n - from < kChunk ? n - from : kChunk;
-            for (DWORD i = 0; i < m; ++i) {
-                quillon::rectangleImage(t, rects[from + i], corners + 4 * i);
-                counts[i] = 4;
-            }
-            HRGN joined = quillon_region_union_polygons(result, corners, counts, static_cast<int>(m), WINDING);
-            if (result && !joined) { // past the rectangle limit, or out of memory
-                DeleteObject(result);
-                result = nullptr;
-                break;
-            }
-            if (result) DeleteObject(result);
-            result = joined;
+        for (DWORD i = 0; i < n; ++i) {
+            quillon::rectangleImage(t, rects[i], corners + 4 * i);
+            counts[i] = 4;
         }
+        result = quillon_region_union_polygons(nullptr, corners, counts, static_cast<int>(n), WINDING);
     }
     std::free(corners);
     std::free(counts);
