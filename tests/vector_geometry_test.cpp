@@ -61,6 +61,8 @@ TEST(VectorGeometryEdges, UnitAndNormalise)
         {comps(GF(0.4, 0.4, 0.4).Normalise()), {0.4f, 0.4f, 0.4f}},
     };
     for (size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(cases[i].got, cases[i].expected) << "case " << i;
+    D n(3, 4, 0);
+    EXPECT_EQ(&n.Normalise(), &n); // the vector itself, not a copy
 }
 
 using Screen = std::array<int, 2>;
