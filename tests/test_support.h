@@ -49,7 +49,6 @@ T make(double v)
     else return T(v); // double, guardfloat, guarddouble
 }
 
-using AllElementTypes = ::testing::Types<int, float, double, guardint, guardfloat, guarddouble>;
 using TransformTypes = ::testing::Types<float, double, guarddouble>;
 
 // ---- Vectors ----
