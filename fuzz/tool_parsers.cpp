@@ -36,7 +36,7 @@ double readBack(double, const std::string& s) { return parseDouble(s); }
 template <class T>
 void roundTrip(const T& value)
 {
-    const auto plain = Scalar<T>::plain(value);
+    const auto plain = quillon::Stored<T>::of(value);
     for (bool exact : {false, true}) {
         const std::string text = format(value, exact);
         if (!sameBits(readBack(plain, text), plain)) std::abort();
