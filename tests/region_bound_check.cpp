@@ -136,7 +136,8 @@ std::int64_t rectanglesOf(const std::vector<POINT>& p, const std::vector<INT>& c
 }
 
 // Slivers thin and wide, leaning right and left, steeper and flatter than a column a row, from one
-// point or offset by a row, alone or side by side in one call, and polygons of many crossing edges:
+// point or offset by a row, alone or side by side in one call, and polygons of many crossing edges
+// (each edge twice, in some):
 // the bound, walked or not, never passes the rectangles made, and comes within a small factor of
 // them for most.
 TEST(PolygonBound, NeverPassesTheRectanglesMadeAndComesNearThem)
@@ -160,9 +161,11 @@ TEST(PolygonBound, NeverPassesTheRectanglesMadeAndComesNearThem)
         case 2: // a wider one
             p = {{x, y}, {LONG(x + lean), LONG(y + H)}, {LONG(x + lean + r.pick(5, 400)), LONG(y + H + r.pick(-40, 40))}};
             break;
-        case 3: { // any polygon of up to a dozen points, its edges steeper or flatter
+        case 3: { // any polygon of up to a dozen points, its edges steeper or flatter, some gone round twice
             const std::int64_t spread = H * 8 / r.pick(1, 64);
-            for (int k = 0, n = int(r.pick(4, 12)); k < n; ++k) p.push_back({LONG(x + r.pick(-spread, spread)), LONG(y + r.pick(0, H))});
+            const int n = int(r.pick(4, 12));
+            for (int k = 0; k < n; ++k) p.push_back({LONG(x + r.pick(-spread, spread)), LONG(y + r.pick(0, H))});
+            if (r.pick(0, 2) == 0) p.insert(p.end(), p.begin(), p.begin() + n); // each edge twice, one way
             break;
         }
         default: // several side by side, some turning the other way

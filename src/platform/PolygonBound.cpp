@@ -70,17 +70,29 @@ bool keepApart(const Line* e, const Line* g, bool eLeft, std::int64_t m, std::in
     return from <= to;
 }
 
-// The rows of [from, to] on which e lies at least m columns away from every other line, each
-// staying on the side it holds on row y (none level with e there); how many lie left of e, and the
-// sum of their directions.
+bool sameLine(const Line& a, const Line& b) noexcept
+{
+    return a.base == b.base && a.y1 == b.y1 && a.dx == b.dx && a.dy == b.dy;
+}
+
+// The rows of [from, to] on which e, with the lines that are the same line as it, lies at least m
+// columns away from every other line, each staying on the side it holds on row y (none level with
+// e there); how many lie left of e, and the sum of their directions; how many lines e stands for,
+// and the sum of theirs.
 bool isolatedOn(const std::vector<const Line*>& active, const Line* e, std::int64_t y, std::int64_t m,
-                std::int64_t& from, std::int64_t& to, std::size_t& leftOf, int& leftSum) noexcept
+                std::int64_t& from, std::int64_t& to, std::size_t& leftOf, int& leftSum, int& lines,
+                int& sum) noexcept
 {
     const std::int64_t x = xAt(*e, y);
     leftOf = 0;
     leftSum = 0;
+    lines = 0;
+    sum = 0;
     for (const Line* g : active) {
-        if (g == e) continue;
+        if (sameLine(*g, *e)) {
+            ++lines, sum += g->direction;
+            continue;
+        }
         const std::int64_t gx = xAt(*g, y);
         if (gx == x) return false;
         if (gx < x) ++leftOf, leftSum += g->direction;
@@ -169,21 +181,31 @@ public:
         for (std::size_t c = 0; c < count; ++c) {
             const Line* line = candidates[c];
             if (line->dx == 0) continue;
+            bool twin = false; // the same line as one tried already
+            for (std::size_t d = 0; d < c && !twin; ++d) twin = sameLine(*candidates[d], *line);
+            if (twin) continue;
             const std::int64_t speed = ceilDiv(line->dx < 0 ? -line->dx : line->dx, line->dy);
-            std::int64_t lastA = 0, lastB = -1;
-            for (const std::int64_t y : {from, to}) {
+            // The rows around the stretch's first, middle and last rows (where the line may be level
+            // with another at one of them), each run of rows counted once.
+            std::int64_t seen[3][2];
+            int runs = 0;
+            for (const std::int64_t y : {from, from + (to - from) / 2, to}) {
                 std::int64_t a = from, b = to;
                 std::size_t leftOf = 0;
-                int leftSum = 0;
-                if (!isolatedOn(active, line, y, 1, a, b, leftOf, leftSum)) continue;
-                const bool atEnd = leftOf == 0 || leftOf + 1 == active.size();
+                int leftSum = 0, lines = 0, sum = 0;
+                if (!isolatedOn(active, line, y, 1, a, b, leftOf, leftSum, lines, sum)) continue;
+                // The line and its twins change the parity (ALTERNATE) or take the sum to or from
+                // zero (WINDING), or are no edge of the pixels.
+                if (winding ? sum == 0 || (leftSum != 0 && leftSum + sum != 0) : lines % 2 == 0) continue;
+                const bool atEnd = leftOf == 0 || leftOf + std::size_t(lines) == active.size();
                 if (!atEnd) {
-                    if (winding && leftSum != 0 && leftSum + line->direction != 0) continue;
                     a = from, b = to;
-                    if (!isolatedOn(active, line, y, speed + 1, a, b, leftOf, leftSum)) continue;
+                    if (!isolatedOn(active, line, y, speed + 1, a, b, leftOf, leftSum, lines, sum)) continue;
                 }
-                if (a <= lastB && b >= lastA) continue; // the same rows as from the other end
-                lastA = a, lastB = b;
+                bool again = false;
+                for (int k = 0; k < runs; ++k) again = again || (a <= seen[k][1] && b >= seen[k][0]);
+                if (again) continue;
+                seen[runs][0] = a, seen[runs][1] = b, ++runs;
                 // Each band that starts there holds as many rectangles as the rows there have spans.
                 const std::int64_t spans = spansPerRow(active, winding, a, b);
                 std::int64_t rows = 0;
@@ -196,7 +218,7 @@ public:
                     rows = moved < 0 ? -moved : moved;
                 }
                 if (leftOf == 0) ends[0] += rows * spans;
-                if (leftOf + 1 == active.size()) ends[1] += rows * spans;
+                if (leftOf + std::size_t(lines) == active.size()) ends[1] += rows * spans;
                 single = std::max(single, rows * spans);
             }
         }
@@ -343,7 +365,7 @@ private:
         std::int64_t a, b;
     };
     // Every line of a stretch of up to kEveryLine is a candidate; of a larger one, those alone at an
-    // end of the rows. Each line counts once from the stretch's first row and once from its last.
+    // end of the rows. Each line counts at most once from each of three rows of the stretch.
     static constexpr std::size_t kEveryLine = 24;
     Range covered_[4 * kEveryLine];
     Steep steep_[4 * kEveryLine];

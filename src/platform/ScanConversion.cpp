@@ -27,6 +27,7 @@
 #include <iterator>
 #include <limits>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace quillon::region_detail {
@@ -51,6 +52,7 @@ struct ScanScratch {
     std::vector<Edge> edges;
     std::vector<Edge*> active, fresh, merged;
     std::vector<Span> spans, lastSpans;
+    std::vector<std::pair<std::size_t, std::size_t>> needles; // runs of active edges
 };
 
 namespace {
@@ -396,6 +398,7 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
     std::vector<Edge*>& fresh = scratch.fresh;
     std::vector<Edge*>& merged = scratch.merged;
     std::vector<Span>& spans = scratch.spans;
+    std::vector<std::pair<std::size_t, std::size_t>>& needles = scratch.needles;
     active.clear();
     std::size_t next = 0;
     std::int64_t y = edges[0].top;
@@ -434,7 +437,10 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
             // where the directions to its left sum to zero, or whose own never bring that sum to
             // zero, changes nothing while it stays between the same neighbours (passing one changes
             // the sum to its left).
+            // The edges that are not needles stand still first; only then, and only for as many
+            // rows as they allow, are the needles kept between their neighbours.
             int sum = 0;
+            needles.clear();
             for (std::size_t i = 0; i < active.size();) {
                 std::size_t j = i + 1;
                 while (j < active.size() && sameCourse(*active[i], *active[j])) ++j;
@@ -445,22 +451,24 @@ bool scanConvert(ScanScratch& scratch, bool winding, Writer& writer)
                     closes = closes || (sum != 0 && sum + run == 0);
                 }
                 const bool needle = winding ? run == 0 && !closes : (j - i) % 2 == 0;
-                if (!needle) {
+                if (!needle)
                     for (std::size_t k = i; k < j; ++k) repeat = std::min(repeat, stillSteps(*active[k]));
-                } else if (winding) {
-                    const Edge& e = *active[i];
-                    const std::int64_t low = std::min(e.m, e.m1), high = std::max(e.m, e.m1);
-                    if (i > 0) {
-                        const Edge& l = *active[i - 1];
-                        repeat = rowsInOrder(l, std::max(l.m, l.m1), e, low, y, repeat, true);
-                    }
-                    if (j < active.size()) {
-                        const Edge& r = *active[j];
-                        repeat = rowsInOrder(e, high, r, std::min(r.m, r.m1), y, repeat, true);
-                    }
-                }
+                else if (winding)
+                    needles.emplace_back(i, j);
                 sum += run;
                 i = j;
+            }
+            for (const auto& [i, j] : needles) {
+                if (repeat == 0) break;
+                const Edge& e = *active[i];
+                if (i > 0) {
+                    const Edge& l = *active[i - 1];
+                    repeat = rowsInOrder(l, std::max(l.m, l.m1), e, std::min(e.m, e.m1), y, repeat, true);
+                }
+                if (j < active.size()) {
+                    const Edge& r = *active[j];
+                    repeat = rowsInOrder(e, std::max(e.m, e.m1), r, std::min(r.m, r.m1), y, repeat, true);
+                }
             }
             emptyWalks = 0;
         } else if (!allCancel(active, winding)) {
