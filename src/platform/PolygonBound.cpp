@@ -70,9 +70,37 @@ bool keepApart(const Line* e, const Line* g, bool eLeft, std::int64_t m, std::in
     return from <= to;
 }
 
+// Whether two lines have the same x on every row: the same slope, and each anchor on the other's
+// line (both x are then the same real number rounded up the same way).
 bool sameLine(const Line& a, const Line& b) noexcept
 {
-    return a.base == b.base && a.y1 == b.y1 && a.dx == b.dx && a.dy == b.dy;
+    if (a.dx * b.dy != b.dx * a.dy) return false; // |dx dy| < 2^58
+    return Wide::product(a.base - b.base, a.dy) == Wide::product(a.y1 - b.y1, a.dx);
+}
+
+// The active lines less those that cancel out on the same line (an even number of them for
+// ALTERNATE, directions summing to zero for WINDING: needles, and an edge gone over twice), which
+// change no row's pixels; they can only split a WINDING span into a touching pair, so the rows'
+// rectangles without them are no more than with them.
+void withoutNeedles(const std::vector<const Line*>& active, bool winding, std::vector<const Line*>& out)
+{
+    out.clear();
+    if (active.size() > 24) {
+        out = active;
+        return;
+    }
+    std::uint32_t gone = 0; // bits of the lines dropped
+    for (std::size_t i = 0; i < active.size(); ++i) {
+        if (gone >> i & 1) continue;
+        std::uint32_t group = std::uint32_t(1) << i;
+        int count = 1, sum = active[i]->direction;
+        for (std::size_t j = i + 1; j < active.size(); ++j)
+            if (!(gone >> j & 1) && sameLine(*active[i], *active[j]))
+                group |= std::uint32_t(1) << j, ++count, sum += active[j]->direction;
+        if (winding ? sum == 0 : count % 2 == 0) gone |= group;
+    }
+    for (std::size_t i = 0; i < active.size(); ++i)
+        if (!(gone >> i & 1)) out.push_back(active[i]);
 }
 
 // The rows of [from, to] on which e, with the lines that are the same line as it, lies at least m
@@ -206,23 +234,36 @@ public:
                 for (int k = 0; k < runs; ++k) again = again || (a <= seen[k][1] && b >= seen[k][0]);
                 if (again) continue;
                 seen[runs][0] = a, seen[runs][1] = b, ++runs;
-                // Each band that starts there holds as many rectangles as the rows there have spans.
-                const std::int64_t spans = spansPerRow(active, winding, a, b);
-                std::int64_t rows = 0;
-                if ((line->dx < 0 ? -line->dx : line->dx) >= line->dy) {
+                const bool fast = (line->dx < 0 ? -line->dx : line->dx) >= line->dy;
+                if (fast)
                     covered_[coveredCount_++] = Range{a, b};
-                    rows = b - a;
-                } else {
+                else
                     steep_[steepCount_++] = Steep{line, a, b};
-                    const std::int64_t moved = xAt(*line, b) - xAt(*line, a);
-                    rows = moved < 0 ? -moved : moved;
+                // Each band that starts there holds as many rectangles as the rows there have spans,
+                // counted over each quarter of the rows (where edges close in on each other, as at a
+                // vertex, they stay apart on the quarters before).
+                std::int64_t rectangles = 0;
+                for (int q = 0; q < 4; ++q) {
+                    const std::int64_t qa = a + (b - a) * q / 4, qb = a + (b - a) * (q + 1) / 4;
+                    const std::int64_t moved = xAt(*line, qb) - xAt(*line, qa);
+                    const std::int64_t rows = fast ? qb - qa : moved < 0 ? -moved : moved;
+                    rectangles += rows * spansPerRow(active, winding, qa, qb);
                 }
-                if (leftOf == 0) ends[0] += rows * spans;
-                if (leftOf + std::size_t(lines) == active.size()) ends[1] += rows * spans;
-                single = std::max(single, rows * spans);
+                if (leftOf == 0) ends[0] += rectangles;
+                if (leftOf + std::size_t(lines) == active.size()) ends[1] += rectangles;
+                single = std::max(single, rectangles);
             }
         }
-        const std::int64_t most = std::max({ends[0], ends[1], single});
+        // A group of two edges alone in the pixels makes its own bands, counted over each quarter
+        // of the stretch (edges closing in on it stay apart from it on the quarters before), each
+        // holding as many rectangles as the rows there have spans.
+        std::int64_t pairs = 0;
+        if (active.size() > 2 && active.size() <= kEveryLine)
+            for (int q = 0; q < 4; ++q) {
+                const std::int64_t qa = from + (to - from) * q / 4, qb = from + (to - from) * (q + 1) / 4;
+                pairs += pairGroupRows(active, winding, qa, qb) * spansPerRow(active, winding, qa, qb);
+            }
+        const std::int64_t most = std::max({ends[0], ends[1], single, pairs});
         // The ranges of lines that move every row, joined, as rows (a, b].
         std::sort(covered_, covered_ + coveredCount_, [](const Range& p, const Range& q) { return p.a < q.a; });
         std::size_t joined = 0;
@@ -282,38 +323,84 @@ private:
     // the next, on the first row and on the last, and so on every row between (the distance from the
     // rightmost of one group to the leftmost of the next is convex). Between two groups lies at least
     // one pixel, in the region or out of it as the edges to its left fill (an odd number of them for
-    // ALTERNATE, directions not summing to zero for WINDING): every row has as many spans at least as
-    // there are runs of groups' gaps in the region with gaps out of it between them.
+    // ALTERNATE, directions not summing to zero for WINDING), and so inside a group of two edges
+    // that stay apart: every row has as many spans at least as there are runs of such places in the
+    // region with places out of it between them.
     static std::int64_t spansPerRow(const std::vector<const Line*>& active, bool winding, std::int64_t from,
                                     std::int64_t to)
     {
-        if (active.size() <= 2) return 1;
+        std::int64_t spans = 0;
+        eachGroup(active, winding, from, to, spans, nullptr);
+        return std::max<std::int64_t>(spans, 1);
+    }
+
+    // The bands of a group of two edges with no pixel beside it (every place around it out of the
+    // pixels), which its span alone makes there: the most such a group gives. 0 if none.
+    static std::int64_t pairGroupRows(const std::vector<const Line*>& active, bool winding, std::int64_t from,
+                                      std::int64_t to)
+    {
+        std::int64_t spans = 0, rows = 0;
+        eachGroup(active, winding, from, to, spans, &rows);
+        return rows;
+    }
+
+    // The groups of the edges over [from, to] (see spansPerRow): counts the spans every row holds,
+    // and, with pairs, the most bands a group of two edges alone in the pixels makes.
+    static void eachGroup(const std::vector<const Line*>& active, bool winding, std::int64_t from, std::int64_t to,
+                          std::int64_t& spans, std::int64_t* pairs)
+    {
+        if (active.size() <= 2) return;
         struct End {
             std::int64_t first, last;
             int direction;
+            const Line* line;
         };
         std::vector<End> ends;
         ends.reserve(active.size());
-        for (const Line* l : active) ends.push_back(End{xAt(*l, from), xAt(*l, to), l->direction});
+        for (const Line* l : active) ends.push_back(End{xAt(*l, from), xAt(*l, to), l->direction, l});
         std::sort(ends.begin(), ends.end(), [](const End& p, const End& q) { return p.first < q.first; });
         const std::size_t n = ends.size();
         std::vector<std::int64_t> lowFirst(n + 1), lowLast(n + 1); // the least x of edges k.. on each row
         lowFirst[n] = lowLast[n] = std::numeric_limits<std::int64_t>::max();
         for (std::size_t k = n; k-- > 0;)
             lowFirst[k] = std::min(lowFirst[k + 1], ends[k].first), lowLast[k] = std::min(lowLast[k + 1], ends[k].last);
-        std::int64_t highFirst = std::numeric_limits<std::int64_t>::min(), highLast = highFirst, spans = 0;
+        // The regions from left to right, each in the pixels, out of them, or not known: the gaps
+        // between groups, and the inside of each group (known for a group of two edges that stay
+        // more than a column apart). A run of regions not out that holds one in is a span at least.
+        enum State { out, in, unknown };
+        bool open = false, holds = false;
+        auto region = [&](State state) {
+            if (state == out) {
+                spans += open && holds;
+                open = holds = false;
+            } else {
+                open = true;
+                holds = holds || state == in;
+            }
+        };
+        // In the pixels past the edges [0, k] with directions summing to sum to their left.
+        auto past = [&](std::size_t k, int sum) { return winding ? sum != 0 : k % 2 == 1; };
+        std::int64_t highFirst = std::numeric_limits<std::int64_t>::min(), highLast = highFirst;
         int sum = 0;
-        bool inside = false; // the last gap between groups was in the region
-        for (std::size_t k = 0; k + 1 < n; ++k) {
+        std::size_t start = 0; // the group's first edge
+        for (std::size_t k = 0; k < n; ++k) {
             highFirst = std::max(highFirst, ends[k].first);
             highLast = std::max(highLast, ends[k].last);
-            sum += ends[k].direction;
-            if (lowFirst[k + 1] - highFirst < 2 || lowLast[k + 1] - highLast < 2) continue; // the same group
-            const bool in = winding ? sum != 0 : (k + 1) % 2 == 1;
-            if (in && !inside) ++spans;
-            inside = in;
+            if (k + 1 < n && (lowFirst[k + 1] - highFirst < 2 || lowLast[k + 1] - highLast < 2)) continue;
+            if (k > start) { // the inside of the group [start, k]
+                const bool apart = k == start + 1 && ends[k].first - ends[start].first >= 2 &&
+                                   ends[k].last - ends[start].last >= 2;
+                region(apart ? (past(start + 1, sum + ends[start].direction) ? in : out) : unknown);
+                // A group of two with the pixels out of it on both sides: its own bands.
+                const int after = sum + ends[start].direction + ends[k].direction;
+                if (pairs && k == start + 1 && !past(start, sum) && !past(k + 1, after))
+                    *pairs = std::max(*pairs, pairRows(*ends[start].line, *ends[k].line, from, to));
+            }
+            for (std::size_t i = start; i <= k; ++i) sum += ends[i].direction;
+            if (k + 1 < n) region(past(k + 1, sum) ? in : out); // the gap after it
+            start = k + 1;
         }
-        return std::max<std::int64_t>(spans, 1);
+        region(out);
     }
 
     // The rows of (from, to] that start a band, for a stretch of two edges p and q (see the top).
@@ -403,7 +490,7 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
     std::sort(lines.begin(), lines.end(), [](const Line& a, const Line& b) { return a.first < b.first; });
     // Calls visit(stretch) for every stretch of rows in which the same lines are active, top to
     // bottom, until it returns false.
-    std::vector<const Line*> active;
+    std::vector<const Line*> active, visible;
     StepCount counted; // a step a stretch and an edge in it, and a step a row walked
     counted.add(lines.size());
     const std::size_t steps = 32 * lines.size() + (std::size_t(1) << 16);
@@ -418,7 +505,8 @@ std::int64_t provenRectangles(const POINT* points, const INT* counts, int polygo
             while (next < lines.size() && lines[next].first == y) active.push_back(&lines[next++]);
             std::int64_t to = next < lines.size() ? lines[next].first - 1 : std::numeric_limits<std::int64_t>::max();
             for (const Line* l : active) to = std::min(to, l->last);
-            if (!visit(StretchRows(active, winding, y, to))) return;
+            withoutNeedles(active, winding, visible);
+            if (!visit(StretchRows(visible, winding, y, to))) return;
             active.erase(std::remove_if(active.begin(), active.end(), [to](const Line* l) { return l->last == to; }),
                          active.end());
             y = to + 1;

@@ -8,10 +8,11 @@
  * on, joining spans that touch; WINDING fills from where the sum of edge directions leaves zero
  * to where it returns, taking the crossings in the order the edges hold on that row. A pixel is
  * in when its left end lies in a span. Rows with the same spans are joined into bands. Rows where
- * nothing changes, and rows where every edge is cancelled by its twin, are passed over at once,
- * so the work follows the result and the edges, not the rows spanned. A walk of more rows than
- * the rectangle limit is first bounded from the edges alone (provenRectangles), and not made when
- * its rows alone would pass the limit.
+ * nothing changes (needles passing included), and rows without a span up to the next row with one
+ * (found from the edges' exact lines, EdgeLines.h), are passed over at once, so the work follows the
+ * result and the edges, not the rows spanned. A walk that could pass the rectangle limit (its rows
+ * times half its points) is first bounded from the edges alone (PolygonBound.h), and not made when
+ * the bound passes the limit.
  */
 #define QUILLON_BUILDING_REGION
 #include <quillon/Region>
